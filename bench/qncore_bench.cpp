@@ -24,8 +24,12 @@ std::u16string sampleText() {
     return text;
 }
 
-const QNWCHAR* qw(const char16_t* p) { return reinterpret_cast<const QNWCHAR*>(p); }
-QNWCHAR* qw(char16_t* p) { return reinterpret_cast<QNWCHAR*>(p); }
+const QNWCHAR* qw(const char16_t* p) {
+    return reinterpret_cast<const QNWCHAR*>(p);
+}
+QNWCHAR* qw(char16_t* p) {
+    return reinterpret_cast<QNWCHAR*>(p);
+}
 
 void ToLower_ours(benchmark::State& state) {
     const std::u16string text = sampleText();

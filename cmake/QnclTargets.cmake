@@ -6,13 +6,15 @@ function(qncl_warnings target)
 endfunction()
 
 # A shared library of the product: "libNAME.so" on Linux, "NAME.dll" with its import library on
-# Windows. Flat functions keep their undecorated names in the DLL's export table.
+# Windows. Flat __stdcall functions are exported under their undecorated names as well as the
+# decorated ones the import library links against (--kill-at would strip the decoration from
+# the import library too, and callers could no longer link).
 function(qncl_shared_library target)
     add_library(${target} SHARED ${ARGN})
     qncl_warnings(${target})
     if(WIN32)
         set_target_properties(${target} PROPERTIES PREFIX "" IMPORT_PREFIX "" IMPORT_SUFFIX ".lib")
-        target_link_options(${target} PRIVATE -Wl,--kill-at -Wl,--enable-stdcall-fixup)
+        target_link_options(${target} PRIVATE -Wl,--add-stdcall-alias)
     endif()
 endfunction()
 

@@ -29,8 +29,7 @@ typedef const void* QNMODULE;
 QN_EXTERN_C_BEGIN
 
 /* "{XXXXXXXX-XXXX-XXXX-XXXX-XXXXXXXXXXXX}" in upper case: 39 units with the terminator. */
-QNCORE_API QNRESULT QN_STDCALL QNGuidToStringW(const QNGUID* guid, QNWCHAR* buffer,
-                                               int32_t size);
+QNCORE_API QNRESULT QN_STDCALL QNGuidToStringW(const QNGUID* guid, QNWCHAR* buffer, int32_t size);
 /* Accepts the form above, braces optional, digits in either case; QN_E_INVALIDCLASSSTRING
  * otherwise. */
 QNCORE_API QNRESULT QN_STDCALL QNGuidFromStringW(const QNWCHAR* text, QNGUID* guid);
@@ -63,8 +62,7 @@ QNCORE_API QNRESULT QN_STDCALL QNComUnregisterClass(const QNGUID* clsid);
 
 /* Registers a class object inside the process (held by one reference until revoked), with an
  * optional program identifier. QN_E_ALREADYEXISTS when the class is registered already. */
-QNCORE_API QNRESULT QN_STDCALL QNComRegisterClassObject(const QNGUID* clsid,
-                                                        const QNWCHAR* progId,
+QNCORE_API QNRESULT QN_STDCALL QNComRegisterClassObject(const QNGUID* clsid, const QNWCHAR* progId,
                                                         IQNUnknown* classObject);
 QNCORE_API QNRESULT QN_STDCALL QNComRevokeClassObject(const QNGUID* clsid);
 

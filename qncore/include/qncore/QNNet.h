@@ -31,8 +31,7 @@ QN_EXTERN_C_BEGIN
 /* getaddrinfo of the platform (Windows: the socket layer is started and stopped around the call).
  * Returns 0 or one of the numbers above; the result list is freed with QNfreeaddrinfo. */
 QNCORE_API int32_t QN_STDCALL QNgetaddrinfo(const char* node, const char* service,
-                                            const struct addrinfo* hints,
-                                            struct addrinfo** result);
+                                            const struct addrinfo* hints, struct addrinfo** result);
 QNCORE_API void QN_STDCALL QNfreeaddrinfo(struct addrinfo* result);
 
 QN_EXTERN_C_END

@@ -13,9 +13,10 @@
 #include "QNTypes.h"
 
 /* Flags of every create call. */
-#define QN_SYNC_CREATE_NEW 0x1u  /* fail with QN_E_ALREADYEXISTS when the name is in use */
-#define QN_SYNC_INITIAL_SET 0x2u /* mutex: created owned by the caller; event: signalled;
-                                    gate: open. Ignored when a named object already exists. */
+#define QN_SYNC_CREATE_NEW 0x1u /* fail with QN_E_ALREADYEXISTS when the name is in use */
+#define QN_SYNC_INITIAL_SET                                                                        \
+    0x2u /* mutex: created owned by the caller; event: signalled;                                  \
+            gate: open. Ignored when a named object already exists. */
 #define QN_SYNC_VALID_FLAGS 0x3u
 
 QN_EXTERN_C_BEGIN

@@ -73,8 +73,8 @@ typedef struct IQNClassFactoryVtbl {
     QNRESULT(QN_STDCALL* QueryInterface)(IQNClassFactory* self, const QNGUID* iid, void** out);
     uint32_t(QN_STDCALL* AddRef)(IQNClassFactory* self);
     uint32_t(QN_STDCALL* Release)(IQNClassFactory* self);
-    QNRESULT(QN_STDCALL* CreateInstance)(IQNClassFactory* self, IQNUnknown* outer,
-                                         const QNGUID* iid, void** out);
+    QNRESULT(QN_STDCALL* CreateInstance)
+    (IQNClassFactory* self, IQNUnknown* outer, const QNGUID* iid, void** out);
     QNRESULT(QN_STDCALL* LockServer)(IQNClassFactory* self, int32_t lock);
 } IQNClassFactoryVtbl;
 struct IQNClassFactory {

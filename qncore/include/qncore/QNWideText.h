@@ -38,8 +38,8 @@ QNCORE_API QNRESULT QN_STDCALL QNLToStrW(int32_t value, QNWCHAR* buffer, int32_t
 
 /* Copies at most size - 1 units of source (length -1: up to its zero) and always terminates.
  * QN_S_OK when everything was copied, QN_S_FALSE when the copy was cut short. */
-QNCORE_API QNRESULT QN_STDCALL QNStrCpyNW(QNWCHAR* destination, int32_t size,
-                                          const QNWCHAR* source, int32_t length);
+QNCORE_API QNRESULT QN_STDCALL QNStrCpyNW(QNWCHAR* destination, int32_t size, const QNWCHAR* source,
+                                          int32_t length);
 
 /* Replaces the content of a writable character buffer with text (length -1: up to its zero;
  * a null text empties the buffer). QN_E_ACCESSDENIED for a read-only buffer; any failure of the

@@ -46,7 +46,7 @@ QNRESULT classFactoryOf(QNMODULE module, const QNGUID& clsid, IQNClassFactory** 
     auto found = s.classObjects.find(clsid);
     if (found != s.classObjects.end())
         return found->second.object->QueryInterface(QN_IID_IQNClassFactory,
-                                                     reinterpret_cast<void**>(factory));
+                                                    reinterpret_cast<void**>(factory));
     std::u16string path;
     QNRESULT r = qncore::platform::libraryPathOf(clsid, &path);
     if (QN_FAILED(r))
@@ -159,9 +159,8 @@ QN_EXTERN_C QNRESULT QN_STDCALL QNComRegisterClass(const QNGUID* clsid, const QN
         const std::u16string path = text(libraryPath);
         if (path.empty())
             return QN_E_INVALIDARG;
-        return qncore::platform::registerClass(*clsid, text(progId),
-                                               text(versionIndependentProgId), text(description),
-                                               path);
+        return qncore::platform::registerClass(*clsid, text(progId), text(versionIndependentProgId),
+                                               text(description), path);
     });
 }
 
@@ -171,8 +170,7 @@ QN_EXTERN_C QNRESULT QN_STDCALL QNComUnregisterClass(const QNGUID* clsid) {
     return qncore::guard([&] { return qncore::platform::unregisterClass(*clsid); });
 }
 
-QN_EXTERN_C QNRESULT QN_STDCALL QNComRegisterClassObject(const QNGUID* clsid,
-                                                         const QNWCHAR* progId,
+QN_EXTERN_C QNRESULT QN_STDCALL QNComRegisterClassObject(const QNGUID* clsid, const QNWCHAR* progId,
                                                          IQNUnknown* classObject) {
     if (!clsid || !classObject)
         return QN_E_POINTER;

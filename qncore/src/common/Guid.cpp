@@ -27,8 +27,7 @@ bool readHex(const QNWCHAR* text, int32_t* i, int bytes, uint64_t* value) {
 
 } // namespace
 
-QN_EXTERN_C QNRESULT QN_STDCALL QNGuidToStringW(const QNGUID* guid, QNWCHAR* buffer,
-                                                int32_t size) {
+QN_EXTERN_C QNRESULT QN_STDCALL QNGuidToStringW(const QNGUID* guid, QNWCHAR* buffer, int32_t size) {
     if (!guid || !buffer)
         return QN_E_POINTER;
     if (size < 39) {

@@ -47,8 +47,8 @@ public:
     // Finds the object named name, or makes one with make() (name may be null or empty: always a
     // new unnamed object). *created tells which happened.
     template <class Make>
-    static QNRESULT acquire(const char* name, Kind kind, uint32_t flags, Make&& make,
-                            Shared** out, bool* created) {
+    static QNRESULT acquire(const char* name, Kind kind, uint32_t flags, Make&& make, Shared** out,
+                            bool* created) {
         return acquireImpl(name, kind, flags, &invoke<Make>, &make, out, created);
     }
     // Drops one user; the last one destroys the object.
@@ -56,7 +56,9 @@ public:
 
 private:
     using MakeFn = Shared* (*)(void*);
-    template <class Make> static Shared* invoke(void* make) { return (*static_cast<Make*>(make))(); }
+    template <class Make> static Shared* invoke(void* make) {
+        return (*static_cast<Make*>(make))();
+    }
     static QNRESULT acquireImpl(const char* name, Kind kind, uint32_t flags, MakeFn make,
                                 void* context, Shared** out, bool* created);
 };
@@ -83,8 +85,12 @@ inline QNRESULT checkCreate(uint32_t flags, QNHANDLE* handle) {
 std::string toUtf8(const QNWCHAR* text, int32_t length = -1);
 std::u16string toUtf16(const char* text, int32_t length = -1);
 
-inline const char16_t* u16(const QNWCHAR* p) { return reinterpret_cast<const char16_t*>(p); }
-inline const QNWCHAR* qw(const char16_t* p) { return reinterpret_cast<const QNWCHAR*>(p); }
+inline const char16_t* u16(const QNWCHAR* p) {
+    return reinterpret_cast<const char16_t*>(p);
+}
+inline const QNWCHAR* qw(const char16_t* p) {
+    return reinterpret_cast<const QNWCHAR*>(p);
+}
 
 // Calendar arithmetic (proleptic Gregorian), shared by both sides.
 int64_t daysFromCivil(int64_t year, unsigned month, unsigned day) noexcept;

@@ -32,7 +32,9 @@ namespace {
 constexpr int64_t MIN_POSIX = -11644473600LL;
 constexpr int64_t MAX_POSIX = 910670515199LL;
 
-bool isLeap(int64_t y) { return (y % 4 == 0 && y % 100 != 0) || y % 400 == 0; }
+bool isLeap(int64_t y) {
+    return (y % 4 == 0 && y % 100 != 0) || y % 400 == 0;
+}
 
 } // namespace
 
@@ -66,8 +68,8 @@ QN_EXTERN_C QNRESULT QN_STDCALL QNTimeToPosix(const STRUCT_QN_TIME* time, int64_
         return QN_E_POINTER;
     static const unsigned char monthDays[] = {31, 28, 31, 30, 31, 30, 31, 31, 30, 31, 30, 31};
     const int64_t y = time->wYear;
-    if (y < 1601 || time->wMonth < 1 || time->wMonth > 12 || time->wDay < 1 || time->wHour > 23 ||
-        time->wMinute > 59 || time->wSecond > 59 || time->wMilliseconds > 999)
+    if (y < 1601 || y > 30827 || time->wMonth < 1 || time->wMonth > 12 || time->wDay < 1 ||
+        time->wHour > 23 || time->wMinute > 59 || time->wSecond > 59 || time->wMilliseconds > 999)
         return QN_E_INVALIDARG;
     const unsigned limit = monthDays[time->wMonth - 1] + (time->wMonth == 2 && isLeap(y) ? 1 : 0);
     if (time->wDay > limit)

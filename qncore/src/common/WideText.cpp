@@ -58,9 +58,13 @@ QN_EXTERN_C int32_t QN_STDCALL QNStrCmpNW(const QNWCHAR* a, int32_t lengthA, con
     return lengthA == lengthB ? 0 : (lengthA < lengthB ? -1 : 1);
 }
 
-QN_EXTERN_C QNWCHAR QN_STDCALL QNToLowerW(QNWCHAR c) { return mapCase(kLowerIndex, kLowerDelta, c); }
+QN_EXTERN_C QNWCHAR QN_STDCALL QNToLowerW(QNWCHAR c) {
+    return mapCase(kLowerIndex, kLowerDelta, c);
+}
 
-QN_EXTERN_C QNWCHAR QN_STDCALL QNToUpperW(QNWCHAR c) { return mapCase(kUpperIndex, kUpperDelta, c); }
+QN_EXTERN_C QNWCHAR QN_STDCALL QNToUpperW(QNWCHAR c) {
+    return mapCase(kUpperIndex, kUpperDelta, c);
+}
 
 QN_EXTERN_C QNWCHAR* QN_STDCALL QNStrToLowerW(QNWCHAR* text, int32_t length) {
     return mapText(text, length, [](QNWCHAR c) { return mapCase(kLowerIndex, kLowerDelta, c); });
@@ -211,8 +215,11 @@ QN_EXTERN_C int32_t QN_STDCALL QNUtf8ToWide(const char* text, int32_t length, QN
     };
     for (int32_t i = 0; i < length;) {
         const uint32_t b = s[i];
-        int32_t extra = b < 0x80 ? 0 : b >= 0xC2 && b <= 0xDF ? 1 : b >= 0xE0 && b <= 0xEF ? 2
-                                                         : b >= 0xF0 && b <= 0xF4 ? 3 : -1;
+        int32_t extra = b < 0x80                 ? 0
+                        : b >= 0xC2 && b <= 0xDF ? 1
+                        : b >= 0xE0 && b <= 0xEF ? 2
+                        : b >= 0xF0 && b <= 0xF4 ? 3
+                                                 : -1;
         uint32_t cp = extra == 0 ? b : extra == 1 ? b & 0x1F : extra == 2 ? b & 0x0F : b & 0x07;
         // Second-byte limits reject overlong forms, surrogates and values above U+10FFFF.
         const uint32_t lo = b == 0xE0 ? 0xA0 : b == 0xF0 ? 0x90 : 0x80;

@@ -31,7 +31,8 @@ bool storable(const std::string& text, bool isKey) {
 bool eraseTree(StoreKeys* keys, const std::string& key) {
     bool erased = keys->erase(key) > 0;
     const std::string prefix = key + "\\";
-    for (auto it = keys->lower_bound(prefix); it != keys->end() && it->first.compare(0, prefix.size(), prefix) == 0;) {
+    for (auto it = keys->lower_bound(prefix);
+         it != keys->end() && it->first.compare(0, prefix.size(), prefix) == 0;) {
         it = keys->erase(it);
         erased = true;
     }
@@ -123,8 +124,12 @@ void* loadLibrary(const std::u16string& path, QNRESULT* result) {
     return library;
 }
 
-void* findSymbol(void* library, const char* name) { return dlsym(library, name); }
+void* findSymbol(void* library, const char* name) {
+    return dlsym(library, name);
+}
 
-void freeLibrary(void* library) { dlclose(library); }
+void freeLibrary(void* library) {
+    dlclose(library);
+}
 
 } // namespace qncore::platform

@@ -11,7 +11,9 @@
 namespace qncore {
 namespace {
 
-QNRESULT lastError() { return QNResultFromNative(static_cast<uint32_t>(errno)); }
+QNRESULT lastError() {
+    return QNResultFromNative(static_cast<uint32_t>(errno));
+}
 
 // Creates every missing directory above path, for the owner only.
 void makeParents(const std::string& path) {
@@ -101,7 +103,8 @@ private:
 } // namespace
 
 std::string ComponentStore::path() {
-    if (const char* explicitPath = std::getenv("QNCL_COMPONENT_REGISTRY"); explicitPath && *explicitPath)
+    if (const char* explicitPath = std::getenv("QNCL_COMPONENT_REGISTRY");
+        explicitPath && *explicitPath)
         return explicitPath;
     if (const char* config = std::getenv("XDG_CONFIG_HOME"); config && *config == '/')
         return std::string(config) + "/qncl/components.reg";

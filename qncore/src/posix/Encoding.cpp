@@ -13,11 +13,11 @@ struct Alias {
 };
 
 const Alias ALIASES[] = {
-    {"UTF-8", "UTF-8"},           {"UTF8", "UTF-8"},          {"ANSI_X3.4-1968", "ASCII"},
-    {"US-ASCII", "ASCII"},        {"ASCII", "ASCII"},         {"ISO-8859-1", "ISO8859_1"},
-    {"ISO8859-1", "ISO8859_1"},   {"ISO_8859-1", "ISO8859_1"}, {"CP1252", "CP1252"},
-    {"WINDOWS-1252", "CP1252"},   {"CP437", "CP437"},         {"IBM437", "CP437"},
-    {"EUC-JP", "EUCJP"},          {"EUCJP", "EUCJP"},
+    {"UTF-8", "UTF-8"},         {"UTF8", "UTF-8"},           {"ANSI_X3.4-1968", "ASCII"},
+    {"US-ASCII", "ASCII"},      {"ASCII", "ASCII"},          {"ISO-8859-1", "ISO8859_1"},
+    {"ISO8859-1", "ISO8859_1"}, {"ISO_8859-1", "ISO8859_1"}, {"CP1252", "CP1252"},
+    {"WINDOWS-1252", "CP1252"}, {"CP437", "CP437"},          {"IBM437", "CP437"},
+    {"EUC-JP", "EUCJP"},        {"EUCJP", "EUCJP"},
 };
 
 // The codeset of the user's default locale as the environment (LC_ALL, LC_CTYPE, LANG) sets it,

@@ -11,11 +11,17 @@ namespace {
 constexpr uint32_t KNOWN_ACCESS = QN_FILE_READ | QN_FILE_WRITE | QN_FILE_CREATE | QN_FILE_APPEND |
                                   QN_FILE_TRUNCATE | QN_FILE_SHARED | QN_FILE_EXCLUSIVE;
 
-QNRESULT lastError() { return QNResultFromNative(static_cast<uint32_t>(errno)); }
+QNRESULT lastError() {
+    return QNResultFromNative(static_cast<uint32_t>(errno));
+}
 
-int fd(QNFILE file) { return static_cast<int>(file); }
+int fd(QNFILE file) {
+    return static_cast<int>(file);
+}
 
-bool validFile(QNFILE file) { return file >= 0 && file <= INT32_MAX; }
+bool validFile(QNFILE file) {
+    return file >= 0 && file <= INT32_MAX;
+}
 
 } // namespace
 

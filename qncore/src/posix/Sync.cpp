@@ -272,7 +272,8 @@ public:
         if (!limited)
             m_changed.wait(hold);
         else
-            timedOut = m_changed.wait_until(hold, deadline(milliseconds)) == std::cv_status::timeout;
+            timedOut =
+                m_changed.wait_until(hold, deadline(milliseconds)) == std::cv_status::timeout;
         m_owner.store(std::this_thread::get_id(), std::memory_order_relaxed);
         hold.release();
         return timedOut ? QN_E_TIMEOUT : QN_S_OK;

@@ -27,6 +27,10 @@ QNRESULT now(bool local, STRUCT_QN_TIME* out) {
 
 } // namespace
 
-QN_EXTERN_C QNRESULT QN_STDCALL QNTimeGetLocal(STRUCT_QN_TIME* time) { return now(true, time); }
+QN_EXTERN_C QNRESULT QN_STDCALL QNTimeGetLocal(STRUCT_QN_TIME* time) {
+    return now(true, time);
+}
 
-QN_EXTERN_C QNRESULT QN_STDCALL QNTimeGetSystem(STRUCT_QN_TIME* time) { return now(false, time); }
+QN_EXTERN_C QNRESULT QN_STDCALL QNTimeGetSystem(STRUCT_QN_TIME* time) {
+    return now(false, time);
+}
