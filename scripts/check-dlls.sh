@@ -12,9 +12,10 @@ check_dll() {
     local dll=$1
     shift
     [ -f "$dll" ] || { echo "missing: $dll"; exit 1; }
-    "$objdump" -f "$dll" | grep -q 'file format pei-i386' || { echo "$dll is not PE32 i386"; exit 1; }
-    "$objdump" -p "$dll" | grep -q 'Magic.*010b' || { echo "$dll lacks the PE32 optional header"; exit 1; }
-    local names
+    local header names
+    header=$("$objdump" -f -p "$dll")
+    grep -q 'file format pei-i386' <<<"$header" || { echo "$dll is not PE32 i386"; exit 1; }
+    grep -q 'Magic.*010b' <<<"$header" || { echo "$dll lacks the PE32 optional header"; exit 1; }
     names=$(exports "$dll")
     for f in "$@"; do
         grep -qx "$f" <<<"$names" || { echo "$dll does not export $f"; exit 1; }
