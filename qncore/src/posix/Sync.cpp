@@ -2,9 +2,6 @@
 // process through the common table of named objects.
 #include "common/Internal.h"
 
-#include <pthread.h>
-
-#include <cerrno>
 #include <chrono>
 #include <condition_variable>
 #include <mutex>
@@ -61,32 +58,57 @@ template <class T, class Op> QNRESULT with(QNHANDLE handle, Kind kind, Op op) {
     return object ? op(*object) : QN_E_HANDLE;
 }
 
+// Recursive; the owner is tracked here so that a release by another thread is refused before it
+// reaches the system mutex.
 class Mutex : public Shared {
 public:
     explicit Mutex(uint32_t flags) : Shared(Kind::Mutex) {
-        pthread_mutexattr_t attributes;
-        pthread_mutexattr_init(&attributes);
-        pthread_mutexattr_settype(&attributes, PTHREAD_MUTEX_RECURSIVE);
-        pthread_mutex_init(&m_mutex, &attributes);
-        pthread_mutexattr_destroy(&attributes);
         if (flags & QN_SYNC_INITIAL_SET)
-            pthread_mutex_lock(&m_mutex);
+            acquire();
     }
-    ~Mutex() override { pthread_mutex_destroy(&m_mutex); }
 
-    QNRESULT acquire() { return pthread_mutex_lock(&m_mutex) == 0 ? QN_S_OK : QN_E_FAIL; }
+    QNRESULT acquire() {
+        if (owned()) {
+            ++m_depth;
+            return QN_S_OK;
+        }
+        m_mutex.lock();
+        take();
+        return QN_S_OK;
+    }
     QNRESULT tryAcquire() {
-        const int e = pthread_mutex_trylock(&m_mutex);
-        return e == 0 ? QN_S_OK : e == EBUSY ? QN_E_TIMEOUT : QN_E_FAIL;
+        if (owned()) {
+            ++m_depth;
+            return QN_S_OK;
+        }
+        if (!m_mutex.try_lock())
+            return QN_E_TIMEOUT;
+        take();
+        return QN_S_OK;
     }
     QNRESULT release() {
-        // A recursive mutex refuses an unlock by a thread that does not own it.
-        const int e = pthread_mutex_unlock(&m_mutex);
-        return e == 0 ? QN_S_OK : e == EPERM ? QN_E_NOTOWNER : QN_E_FAIL;
+        if (!owned())
+            return QN_E_NOTOWNER;
+        if (--m_depth == 0) {
+            m_owner.store(std::thread::id(), std::memory_order_relaxed);
+            m_mutex.unlock();
+        }
+        return QN_S_OK;
     }
 
 private:
-    pthread_mutex_t m_mutex;
+    // Only the owner itself can find its own id here, so relaxed order is enough.
+    bool owned() const {
+        return m_owner.load(std::memory_order_relaxed) == std::this_thread::get_id();
+    }
+    void take() {
+        m_owner.store(std::this_thread::get_id(), std::memory_order_relaxed);
+        m_depth = 1;
+    }
+
+    std::mutex m_mutex;
+    std::atomic<std::thread::id> m_owner{};
+    uint32_t m_depth = 0; // changed by the owner only
 };
 
 class Semaphore : public Shared {
