@@ -1,0 +1,95 @@
+// What the read-write and multi-thread buffers share on both the character and the byte side:
+// blocks of elements whose capacity is 0 or a multiple of 16, held with malloc so that they can
+// change size in place with realloc, and scoped holds of a reader-writer lock.
+#pragma once
+
+#include "qn/sync/ReaderWriterLock.h"
+
+#include <cstdint>
+#include <cstdlib>
+#include <new>
+
+namespace qn::util::buffer {
+
+// n rounded up to a multiple of 16. std::bad_alloc when that is more elements than a 32-bit
+// count or the address space holds.
+template <class E> int32_t roundedCapacity(int32_t n) {
+    const int64_t rounded = (static_cast<int64_t>(n) + 15) & ~int64_t{15};
+    if (rounded > INT32_MAX || static_cast<uint64_t>(rounded) > SIZE_MAX / sizeof(E))
+        throw std::bad_alloc();
+    return static_cast<int32_t>(rounded);
+}
+
+// A new block for n elements rounded up to 16, its capacity stored; none for n of 0 or less.
+template <class E> E* allocate(int32_t n, int32_t& capacity) {
+    if (n <= 0) {
+        capacity = 0;
+        return nullptr;
+    }
+    const int32_t rounded = roundedCapacity<E>(n);
+    void* block = std::malloc(static_cast<size_t>(rounded) * sizeof(E));
+    if (!block)
+        throw std::bad_alloc();
+    capacity = rounded;
+    return static_cast<E*>(block);
+}
+
+// Reallocation to n elements: n of 0 frees the block and empties the buffer; the same rounded
+// capacity changes nothing; otherwise the block is resized, keeping its content up to the
+// smaller size. A failure throws std::bad_alloc and leaves all three fields as they were.
+template <class E> void reallocate(E*& data, int32_t& capacity, int32_t& length, int32_t n) {
+    if (n <= 0) {
+        std::free(data);
+        data = nullptr;
+        capacity = 0;
+        length = 0;
+        return;
+    }
+    const int32_t rounded = roundedCapacity<E>(n);
+    if (rounded == capacity)
+        return;
+    void* block = std::realloc(data, static_cast<size_t>(rounded) * sizeof(E));
+    if (!block)
+        throw std::bad_alloc();
+    data = static_cast<E*>(block);
+    capacity = rounded;
+    if (length > rounded)
+        length = rounded;
+}
+
+// Holds a reader-writer lock shared, or exclusively, for a scope.
+class SharedHold {
+public:
+    explicit SharedHold(sync::ReaderWriterLock& lock) : m_lock(lock) { m_lock.waitShared(); }
+    ~SharedHold() {
+        try {
+            m_lock.signalShared();
+        } catch (...) {
+            // Releasing a hold this scope took cannot fail; nothing may leave a destructor.
+        }
+    }
+    SharedHold(const SharedHold&) = delete;
+    SharedHold& operator=(const SharedHold&) = delete;
+
+private:
+    sync::ReaderWriterLock& m_lock;
+};
+
+class ExclusiveHold {
+public:
+    explicit ExclusiveHold(sync::ReaderWriterLock& lock) : m_lock(lock) { m_lock.wait(); }
+    ~ExclusiveHold() {
+        try {
+            m_lock.signal();
+        } catch (...) {
+            // As for SharedHold.
+        }
+    }
+    ExclusiveHold(const ExclusiveHold&) = delete;
+    ExclusiveHold& operator=(const ExclusiveHold&) = delete;
+
+private:
+    sync::ReaderWriterLock& m_lock;
+};
+
+} // namespace qn::util::buffer

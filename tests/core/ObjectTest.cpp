@@ -1,0 +1,218 @@
+#include "qn/core/Class.h"
+#include "qn/core/CopyObject.h"
+#include "qn/core/Exception.h"
+#include "qn/core/String.h"
+#include "qn/core/xcom/Module.h"
+
+#include <gtest/gtest.h>
+
+#include <string>
+
+using namespace qn;
+
+namespace {
+
+// Not in the class registry.
+class Unregistered : public Object {};
+
+// A foreign component: answers the base interface only.
+struct Foreign : IQNUnknown {
+    QNRESULT QN_STDCALL QueryInterface(const QNGUID&, void** out) override {
+        *out = nullptr;
+        return QN_E_NOINTERFACE;
+    }
+    uint32_t QN_STDCALL AddRef() override { return 1; }
+    uint32_t QN_STDCALL Release() override { return 1; }
+};
+
+// A class that adds an interface and chains to Object's map.
+const QNGUID IID_ITest = {0x1234, 0x5678, 0x9ABC, {1, 2, 3, 4, 5, 6, 7, 8}};
+struct ITest : IQNUnknown {
+    virtual int32_t QN_STDCALL Value() = 0;
+};
+class WithInterface : public Object, public ITest {
+public:
+    QNRESULT QN_STDCALL QueryInterface(const QNGUID& iid, void** out) override {
+        return xcom::QueryInterfaceMap(GetComIntfMap(), this, iid, out);
+    }
+    uint32_t QN_STDCALL AddRef() override { return Object::AddRef(); }
+    uint32_t QN_STDCALL Release() override { return Object::Release(); }
+    int32_t QN_STDCALL Value() override { return 42; }
+    static const xcom::InterfaceData* GetComIntfMap() {
+        static const xcom::InterfaceData map[] = {
+            {&IID_ITest, xcom::INTERFACE_SUBOBJECT, xcom::interfaceOffset<WithInterface, ITest>()},
+            {nullptr, xcom::handler(&chainToObjectMap), 0},
+            {nullptr, 0, 0}};
+        return map;
+    }
+};
+
+class Value : public CopyObject {
+public:
+    int payload = 0;
+};
+
+std::u16string textOf(const String& s) {
+    return std::u16string(s.getData(), static_cast<size_t>(s.getLength()));
+}
+
+} // namespace
+
+TEST(Object, CountStartsAtZeroAndLastReleaseDestroys) {
+    const long before = ComObject::liveObjects();
+    auto* object = new Object;
+    EXPECT_EQ(object->GetRefCount(), 0u);
+    EXPECT_EQ(object->AddRef(), 1u);
+    EXPECT_EQ(object->AddRef(), 2u);
+    EXPECT_EQ(object->Release(), 1u);
+    EXPECT_EQ(object->Release(), 0u);
+    if (before >= 0) {
+        EXPECT_EQ(ComObject::liveObjects(), before);
+    }
+}
+
+TEST(Object, QueryInterfaceAnswersBaseComparableAndNothingElse) {
+    Reference<Object> object(new Object);
+    void* out = nullptr;
+    ASSERT_EQ(object->QueryInterface(IID_IQNUnknown, &out), QN_S_OK);
+    EXPECT_EQ(out, object->GetUnknown());
+    EXPECT_EQ(object->GetRefCount(), 2u);
+    object->Release();
+
+    ASSERT_EQ(object->QueryInterface(IID_IQNComparable, &out), QN_S_OK);
+    EXPECT_EQ(out, static_cast<IQNComparable*>(object.get()));
+    static_cast<IQNComparable*>(out)->Release();
+
+    out = &out;
+    EXPECT_EQ(object->QueryInterface(IID_ITest, &out), QN_E_NOINTERFACE);
+    EXPECT_EQ(out, nullptr);
+    EXPECT_EQ(object->QueryInterface(IID_IQNUnknown, nullptr), QN_E_POINTER);
+    EXPECT_EQ(object->GetRefCount(), 1u);
+}
+
+TEST(Object, SubclassMapChainsToComparable) {
+    Reference<WithInterface> object(new WithInterface);
+    void* out = nullptr;
+    ASSERT_EQ(object->QueryInterface(IID_ITest, &out), QN_S_OK);
+    EXPECT_EQ(static_cast<ITest*>(out)->Value(), 42);
+    static_cast<ITest*>(out)->Release();
+    ASSERT_EQ(object->QueryInterface(IID_IQNComparable, &out), QN_S_OK);
+    uint32_t hash = 0;
+    EXPECT_EQ(static_cast<IQNComparable*>(out)->HashCode(&hash), QN_S_OK);
+    EXPECT_EQ(hash, object->hashCode());
+    static_cast<IQNComparable*>(out)->Release();
+    EXPECT_EQ(object->GetRefCount(), 1u);
+}
+
+TEST(Object, AggregationIsRefused) {
+    Reference<Object> object(new Object);
+    Foreign outer;
+    EXPECT_EQ(object->SetOuterUnknown(&outer), QN_E_NOAGGREGATION);
+    EXPECT_EQ(ComObject::GetComProgID(), nullptr);
+}
+
+TEST(Object, IdentityComparisonAndReversedComponentOrder) {
+    Reference<Object> a(new Object), b(new Object);
+    Object* low = a.get() < b.get() ? a.get() : b.get();
+    Object* high = low == a.get() ? b.get() : a.get();
+    EXPECT_EQ(low->compareTo(*high), -1);
+    EXPECT_EQ(high->compareTo(*low), 1);
+    EXPECT_EQ(low->compareTo(*low), 0);
+    EXPECT_TRUE(low->equals(*low));
+    EXPECT_FALSE(low->equals(*high));
+
+    int32_t result = 7;
+    EXPECT_EQ(low->CompareTo(high->GetUnknown(), &result), QN_S_OK);
+    EXPECT_EQ(result, -1); // another Object: compareTo's sense
+
+    // A foreign interface: the other's address greater gives 1, the reverse of compareTo.
+    Foreign foreign;
+    const bool foreignHigher =
+        reinterpret_cast<uintptr_t>(&foreign) > reinterpret_cast<uintptr_t>(low);
+    EXPECT_EQ(low->CompareTo(&foreign, &result), QN_S_OK);
+    EXPECT_EQ(result, foreignHigher ? 1 : -1);
+    EXPECT_EQ(low->CompareTo(&foreign, nullptr), QN_E_POINTER);
+}
+
+TEST(Object, CloneIsRefusedWithEmptyMessage) {
+    Reference<Object> object(new Object);
+    try {
+        object->clone();
+        FAIL() << "clone did not throw";
+    } catch (const Exception& e) {
+        EXPECT_EQ(typeid(e), typeid(Exception));
+        EXPECT_EQ(e.getDescription().getLength(), 0);
+    }
+}
+
+TEST(Object, ToStringNamesClassAndHexAddress) {
+    Reference<Object> registered(new Object);
+    Reference<Unregistered> unregistered(new Unregistered);
+    char hex[32];
+    std::snprintf(hex, sizeof hex, "%llx",
+                  static_cast<unsigned long long>(reinterpret_cast<uintptr_t>(unregistered.get())));
+    std::u16string expected = u"Object@";
+    for (const char* p = hex; *p; ++p)
+        expected += static_cast<char16_t>(*p);
+    EXPECT_EQ(textOf(unregistered->toString()), expected);
+    EXPECT_EQ(textOf(registered->toString()).rfind(u"CQNObject@", 0), 0u);
+    EXPECT_THROW(unregistered->getClass(), ClassNotFoundException);
+}
+
+TEST(CopyObject, CopiesCarryNeitherCountNorModule) {
+    Reference<Value> original(new Value);
+    original->payload = 5;
+    xcom::Module module;
+    original->SetComModule(&module);
+    Value copy(*original);
+    EXPECT_EQ(copy.GetRefCount(), 0u);
+    EXPECT_EQ(copy.GetComModule(), nullptr);
+    EXPECT_EQ(copy.payload, 5);
+
+    Reference<Value> target(new Value);
+    target->AddRef();
+    *target = *original;
+    EXPECT_EQ(target->GetRefCount(), 2u);
+    EXPECT_EQ(target->GetComModule(), nullptr);
+    target->Release();
+    original->SetComModule(nullptr);
+}
+
+TEST(ComObject, ModuleCountsObjectsAboveZero) {
+    xcom::Module module;
+    auto* object = new Object;
+    object->SetComModule(&module);
+    EXPECT_EQ(module.GetRefCount(), 0u); // setting the module adjusts nothing
+    object->AddRef();
+    object->AddRef();
+    EXPECT_EQ(module.GetRefCount(), 1u);
+    EXPECT_EQ(module.CanUnloadNow(), 1);
+    object->Release();
+    EXPECT_EQ(module.GetRefCount(), 1u);
+    object->Release();
+    EXPECT_EQ(module.GetRefCount(), 0u);
+    EXPECT_EQ(module.CanUnloadNow(), 0);
+}
+
+TEST(Reference, HoldsCountsAndHandsOver) {
+    auto* raw = new Object;
+    {
+        Reference<Object> a(raw);
+        EXPECT_EQ(raw->GetRefCount(), 1u);
+        Reference<Object> b = a;
+        EXPECT_EQ(raw->GetRefCount(), 2u);
+        Reference<Object> c = std::move(b);
+        EXPECT_FALSE(b);
+        EXPECT_EQ(raw->GetRefCount(), 2u);
+        Reference<Object>& alias = c;
+        c = alias; // assigning the held object keeps it alive
+        EXPECT_EQ(raw->GetRefCount(), 2u);
+        Object* detached = c.detach();
+        EXPECT_EQ(raw->GetRefCount(), 2u);
+        Reference<Object> d;
+        d.attach(detached);
+        EXPECT_EQ(raw->GetRefCount(), 2u);
+        a = nullptr;
+        EXPECT_EQ(raw->GetRefCount(), 1u);
+    }
+}
