@@ -188,15 +188,14 @@ void String::drop(uintptr_t buffer) noexcept {
         return;
     }
     auto* object = reinterpret_cast<AbstractCharBuffer*>(buffer & ~uintptr_t{KIND_MASK});
-    // The only holder needs no atomic decrement: nobody else can take a new reference.
-    if (object->GetRefCount() == 1 || object->InternalRelease() == 0)
+    // A sole holder needs no atomic decrement: nobody else can take a new reference. Of two
+    // holders letting go at once, the one that takes the count below 0 deletes.
+    if (object->GetRefCount() == 0 || object->InternalRelease() == UINT32_MAX)
         delete object;
 }
 
 RWCharBuffer* String::newBuffer(int32_t capacity) {
-    auto* buffer = new RWCharBuffer(capacity);
-    buffer->InternalAddRef();
-    return buffer;
+    return RWCharBuffer::withBlock(capacity);
 }
 
 uintptr_t String::copyBuffer(const char16_t* text, int32_t length, int32_t capacity) {
@@ -214,9 +213,7 @@ uintptr_t String::fromText(AcquireMode mode, const char16_t* text, int32_t lengt
         return emptyBuffer();
     if (mode != WRAP)
         return copyBuffer(text, length, capacity);
-    auto* buffer = new ROCharBuffer(text, length);
-    buffer->InternalAddRef();
-    return tag(buffer, BUFFER_RO);
+    return tag(new ROCharBuffer(text, length), BUFFER_RO);
 }
 
 uintptr_t String::fromBuffer(AcquireMode mode, IQNCharBuffer* buffer) {
@@ -231,8 +228,8 @@ uintptr_t String::fromBuffer(AcquireMode mode, IQNCharBuffer* buffer) {
     return reinterpret_cast<uintptr_t>(buffer);
 }
 
-uintptr_t String::fromString(AcquireMode mode, const String& other, int32_t start,
-                             int32_t length, int32_t capacity) {
+uintptr_t String::fromString(AcquireMode mode, const String& other, int32_t start, int32_t length,
+                             int32_t capacity) {
     Reader reader(other);
     units::clamp(reader.length, start, length);
     if (mode != COPY && length == reader.length && capacity <= length + 1) {
@@ -253,7 +250,7 @@ void String::reset(uintptr_t buffer) noexcept {
 bool String::isSoleWriter() const {
     const uintptr_t kind = m_buffer & KIND_MASK;
     if (kind == BUFFER_RW)
-        return rw()->GetRefCount() < 2;
+        return rw()->GetRefCount() == 0;
     if (kind != BUFFER_FOREIGN)
         return false;
     // A foreign buffer's count can only be read by taking a reference and dropping it again.
@@ -384,13 +381,29 @@ void String::freeExtra() {
         return;
     }
     util::buffer::reallocate(buffer->m_data, buffer->m_capacity, buffer->m_length,
-                             buffer->m_length + 1);
+                             buffer->m_length + 1, buffer->m_fixedBlock);
 }
 
 // Changing.
 
 template <class Source>
 String& String::splice(int32_t start, int32_t removed, const Source& source) {
+    if ((m_buffer & KIND_MASK) == BUFFER_RW && rw()->GetRefCount() == 0) {
+        RWCharBuffer* buffer = rw();
+        units::clamp(buffer->m_length, start, removed);
+        const int32_t tail = buffer->m_length - start - removed;
+        const int32_t newLength = units::sum(buffer->m_length - removed, source.length);
+        if (newLength >= buffer->m_capacity)
+            buffer->RWCharBuffer::ensureCapacity(newLength + 1);
+        char16_t* data = buffer->m_data;
+        if (source.length != removed && tail > 0)
+            std::memmove(data + start + source.length, data + start + removed,
+                         static_cast<size_t>(tail) * sizeof(char16_t));
+        source.write(data + start);
+        data[newLength] = 0;
+        buffer->m_length = newLength;
+        return *this;
+    }
     Editor editor(*this);
     if (editor.open()) {
         units::clamp(editor.length, start, removed);
@@ -425,12 +438,12 @@ String& String::splice(int32_t start, int32_t removed, const Source& source) {
     return *this;
 }
 
-String& String::replaceText(int32_t start, int32_t removed, const char16_t* text,
-                            int32_t length) {
+String& String::replaceText(int32_t start, int32_t removed, const char16_t* text, int32_t length) {
     length = units::measure(text, length);
-    // Text from this string's own block would move under an in-place change: use a copy.
-    const char16_t* data = getData();
-    if (length > 0 && units::within(text, data, getLength())) {
+    // Text from this string's own block would move under an in-place change: use a copy. A
+    // foreign block is not read outside its lock, so text for one is always copied.
+    if (length > 0 &&
+        ((m_buffer & KIND_MASK) == BUFFER_FOREIGN || units::within(text, getData(), getLength()))) {
         const std::u16string copy(text, static_cast<size_t>(length));
         return splice(start, removed, CopySource{copy.data(), length});
     }
@@ -532,11 +545,13 @@ String& String::resize(int32_t length, char16_t fill) {
 }
 
 String& String::setCharAt(int32_t index, char16_t c) {
-    if (index < 0 || index >= getLength())
+    if ((m_buffer & KIND_MASK) != BUFFER_FOREIGN && (index < 0 || index >= getLength()))
         throwIndexOutOfRange();
     own();
     Editor editor(*this);
     editor.open();
+    if (index < 0 || index >= editor.length)
+        throwIndexOutOfRange();
     editor.data[index] = c;
     editor.commit(editor.length);
     return *this;

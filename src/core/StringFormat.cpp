@@ -201,8 +201,7 @@ String& String::formatv(const String& format, va_list arguments) {
     return *this;
 }
 
-String& String::formatArray(const String& format, const char16_t* const* arguments,
-                            int32_t count) {
+String& String::formatArray(const String& format, const char16_t* const* arguments, int32_t count) {
     const Reader text(format);
     int32_t n = 0;
     return fill(text.data, text.length, &format,

@@ -56,24 +56,36 @@ int32_t findExact(const char16_t* data, int32_t i, int32_t end, char16_t c) {
     return -1;
 }
 
-// 37 to the powers 2 to 4, for hashing four units a step.
-constexpr uint32_t P2 = 37u * 37u;
-constexpr uint32_t P3 = P2 * 37u;
-constexpr uint32_t P4 = P3 * 37u;
-
-// h = h * 37 + unit over data[0], data[step], data[2 * step], ... below length. Four units a
-// step, which gives the same value with a quarter of the dependent multiplications.
-template <bool FOLD> uint32_t hashUnits(const char16_t* data, int32_t length, int32_t step) {
-    const auto unit = [](char16_t c) -> uint32_t { return FOLD ? fold(c) : c; };
+// h = h * 37 + unit over the units data[at(0)], ..., data[at(count - 1)], eight units a step:
+// h * 37^8 plus the eight units weighted by 37^7 down to 1, grouped in pairs (c * 37 + d) so
+// that a step costs four general multiplications and only one of them depends on h.
+template <bool FOLD, class At> uint32_t hashUnits(const char16_t* data, int32_t count, At at) {
+    constexpr uint32_t P1 = 37u, P2 = P1 * P1, P4 = P2 * P2, P8 = P4 * P4;
+    const auto unit = [&](int32_t k) -> uint32_t {
+        const char16_t c = data[at(k)];
+        return FOLD ? fold(c) : c;
+    };
     uint32_t h = 0;
-    int32_t i = 0;
-    for (; i + 3 * step < length; i += 4 * step) {
-        h = h * P4 + unit(data[i]) * P3 + unit(data[i + step]) * P2 +
-            unit(data[i + 2 * step]) * 37u + unit(data[i + 3 * step]);
+    int32_t k = 0;
+    for (; k + 8 <= count; k += 8) {
+        const uint32_t p0 = unit(k) * P1 + unit(k + 1);
+        const uint32_t p1 = unit(k + 2) * P1 + unit(k + 3);
+        const uint32_t p2 = unit(k + 4) * P1 + unit(k + 5);
+        const uint32_t p3 = unit(k + 6) * P1 + unit(k + 7);
+        h = h * P8 + (p0 * P2 + p1) * P4 + (p2 * P2 + p3);
     }
-    for (; i < length; i += step)
-        h = h * 37u + unit(data[i]);
+    for (; k < count; ++k)
+        h = h * P1 + unit(k);
     return h;
+}
+
+// Every step-th unit from the first: all of them below length 64, at most 63 above. The empty
+// text has step 0.
+template <bool FOLD> uint32_t hashSampled(const char16_t* data, int32_t length, int32_t step) {
+    if (step <= 1)
+        return hashUnits<FOLD>(data, length, [](int32_t k) { return k; });
+    const int32_t count = (length + step - 1) / step;
+    return hashUnits<FOLD>(data, count, [step](int32_t k) { return k * step; });
 }
 
 } // namespace
@@ -131,8 +143,7 @@ int32_t findLast(const char16_t* data, int32_t length, int32_t start, const char
     return -1;
 }
 
-UnitSet::UnitSet(const char16_t* set, int32_t length, bool ignoreCase)
-    : m_ignoreCase(ignoreCase) {
+UnitSet::UnitSet(const char16_t* set, int32_t length, bool ignoreCase) : m_ignoreCase(ignoreCase) {
     for (int32_t i = 0; i < length; ++i) {
         const char16_t c = ignoreCase ? fold(set[i]) : set[i];
         if (c < 256) {
@@ -218,8 +229,8 @@ int32_t String::regionCompare(int32_t start, int32_t length, const String& other
     return units::compare(a.data + start, length, b.data + otherStart, otherLength, ignoreCase);
 }
 
-bool String::regionMatches(int32_t start, int32_t length, const String& other,
-                           int32_t otherStart, int32_t otherLength, bool ignoreCase) const {
+bool String::regionMatches(int32_t start, int32_t length, const String& other, int32_t otherStart,
+                           int32_t otherLength, bool ignoreCase) const {
     return regionCompare(start, length, other, otherStart, otherLength, ignoreCase) == 0;
 }
 
@@ -348,8 +359,8 @@ uint32_t String::hashCode(bool ignoreCase) const {
     const Reader a(*this);
     // Truncated toward zero: every unit below length 64, then a sample of 32 to 63 units.
     const int32_t step = (a.length - 32) / 32 + 1;
-    return ignoreCase ? units::hashUnits<true>(a.data, a.length, step)
-                      : units::hashUnits<false>(a.data, a.length, step);
+    return ignoreCase ? units::hashSampled<true>(a.data, a.length, step)
+                      : units::hashSampled<false>(a.data, a.length, step);
 }
 
 } // namespace qn

@@ -62,8 +62,7 @@ QNRESULT QN_STDCALL AbstractByteBuffer::EnsureCapacity(int32_t capacity, signed 
     if (!data)
         return QN_E_POINTER;
     *data = nullptr;
-    return translateExceptions(
-        [&] { *data = ensureCapacity(capacity); });
+    return translateExceptions([&] { *data = ensureCapacity(capacity); });
 }
 
 QNRESULT QN_STDCALL AbstractByteBuffer::ReleaseWriteLock(int32_t length) {

@@ -5,8 +5,10 @@
 
 #include "qn/sync/ReaderWriterLock.h"
 
+#include <algorithm>
 #include <cstdint>
 #include <cstdlib>
+#include <cstring>
 #include <new>
 
 namespace qn::util::buffer {
@@ -36,10 +38,16 @@ template <class E> E* allocate(int32_t n, int32_t& capacity) {
 
 // Reallocation to n elements: n of 0 frees the block and empties the buffer; the same rounded
 // capacity changes nothing; otherwise the block is resized, keeping its content up to the
-// smaller size. A failure throws std::bad_alloc and leaves all three fields as they were.
-template <class E> void reallocate(E*& data, int32_t& capacity, int32_t& length, int32_t n) {
+// smaller size. A block allocated with its object (fixed) is never freed or resized: it shrinks
+// in place and is left for a new block to grow. A failure throws std::bad_alloc and leaves all
+// three fields as they were.
+template <class E>
+void reallocate(E*& data, int32_t& capacity, int32_t& length, int32_t n,
+                const void* fixed = nullptr) {
+    const bool isFixed = data && data == fixed;
     if (n <= 0) {
-        std::free(data);
+        if (!isFixed)
+            std::free(data);
         data = nullptr;
         capacity = 0;
         length = 0;
@@ -48,13 +56,20 @@ template <class E> void reallocate(E*& data, int32_t& capacity, int32_t& length,
     const int32_t rounded = roundedCapacity<E>(n);
     if (rounded == capacity)
         return;
-    void* block = std::realloc(data, static_cast<size_t>(rounded) * sizeof(E));
+    if (isFixed && rounded < capacity) {
+        capacity = rounded;
+        length = std::min(length, rounded);
+        return;
+    }
+    void* block = isFixed ? std::malloc(static_cast<size_t>(rounded) * sizeof(E))
+                          : std::realloc(data, static_cast<size_t>(rounded) * sizeof(E));
     if (!block)
         throw std::bad_alloc();
+    if (isFixed)
+        std::memcpy(block, data, static_cast<size_t>(capacity) * sizeof(E));
     data = static_cast<E*>(block);
     capacity = rounded;
-    if (length > rounded)
-        length = rounded;
+    length = std::min(length, rounded);
 }
 
 // Holds a reader-writer lock shared, or exclusively, for a scope.

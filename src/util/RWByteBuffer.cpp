@@ -30,7 +30,7 @@ void RWByteBuffer::assign(const signed char* data, int32_t length, int32_t capac
     int32_t newCapacity = 0;
     signed char* block = buffer::allocate<signed char>(std::max(length, capacity), newCapacity);
     if (length > 0)
-        std::memcpy(block, data, static_cast<size_t>(length) );
+        std::memcpy(block, data, static_cast<size_t>(length));
     std::free(m_data);
     m_data = block;
     m_capacity = newCapacity;

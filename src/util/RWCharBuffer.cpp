@@ -21,7 +21,32 @@ RWCharBuffer::RWCharBuffer(const RWCharBuffer& other) : AbstractCharBuffer(other
 }
 
 RWCharBuffer::~RWCharBuffer() {
-    std::free(m_data);
+    freeBlock();
+}
+
+void* RWCharBuffer::operator new(size_t size) {
+    return ::operator new(size);
+}
+
+void RWCharBuffer::operator delete(void* object) noexcept {
+    ::operator delete(object);
+}
+
+RWCharBuffer* RWCharBuffer::withBlock(int32_t capacity) {
+    const int32_t rounded = buffer::roundedCapacity<char16_t>(capacity);
+    void* memory =
+        ::operator new(sizeof(RWCharBuffer) + static_cast<size_t>(rounded) * sizeof(char16_t));
+    auto* buffer = ::new (memory) RWCharBuffer();
+    buffer->m_fixedBlock =
+        reinterpret_cast<char16_t*>(static_cast<char*>(memory) + sizeof(RWCharBuffer));
+    buffer->m_data = buffer->m_fixedBlock;
+    buffer->m_capacity = rounded;
+    return buffer;
+}
+
+void RWCharBuffer::freeBlock() noexcept {
+    if (m_data != m_fixedBlock)
+        std::free(m_data);
 }
 
 void RWCharBuffer::assign(const char16_t* text, int32_t length, int32_t capacity) {
@@ -31,7 +56,7 @@ void RWCharBuffer::assign(const char16_t* text, int32_t length, int32_t capacity
     char16_t* data = buffer::allocate<char16_t>(std::max(length, capacity), newCapacity);
     if (length > 0)
         std::memcpy(data, text, static_cast<size_t>(length) * sizeof(char16_t));
-    std::free(m_data);
+    freeBlock();
     m_data = data;
     m_capacity = newCapacity;
     m_length = length;
@@ -64,7 +89,7 @@ char16_t* RWCharBuffer::getWriteLock() {
 
 char16_t* RWCharBuffer::ensureCapacity(int32_t capacity) {
     if (m_capacity < capacity)
-        buffer::reallocate(m_data, m_capacity, m_length, capacity);
+        buffer::reallocate(m_data, m_capacity, m_length, capacity, m_fixedBlock);
     return m_data;
 }
 
@@ -73,7 +98,7 @@ void RWCharBuffer::releaseWriteLock(int32_t length) {
 }
 
 void RWCharBuffer::freeExtra() {
-    buffer::reallocate(m_data, m_capacity, m_length, m_length);
+    buffer::reallocate(m_data, m_capacity, m_length, m_length, m_fixedBlock);
 }
 
 } // namespace qn::util

@@ -36,7 +36,8 @@ TEST(ClassRegistry, FirstRegistrationOfANameWins) {
     const Class* c = registry.lookupName(u"Test::Base");
     EXPECT_EQ(c->getType(), typeid(Base));
     Reference<Object> made = c->createInstance();
-    EXPECT_EQ(typeid(*made), typeid(Base));
+    const Object& instance = *made;
+    EXPECT_EQ(typeid(instance), typeid(Base));
     EXPECT_EQ(made->GetRefCount(), 1u);
     EXPECT_EQ(registry.size(), 1u);
     // The second row's type was not registered under any name.

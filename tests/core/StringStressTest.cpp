@@ -29,10 +29,10 @@ TEST(StringStressTest, CopiesChangedOnManyThreadsStayIndependent) {
                 String second = copy;
                 copy.append(mark).setCharAt(0, mark);
                 mine = copy;
-                const bool intact = second.getData() == base.getData() &&
-                                    second.hashCode() == baseHash && copy.getLength() ==
-                                    base.getLength() + 1 && copy.getCharAt(0) == mark &&
-                                    copy.getCharAt(copy.getLength() - 1) == mark;
+                const bool intact =
+                    second.getData() == base.getData() && second.hashCode() == baseHash &&
+                    copy.getLength() == base.getLength() + 1 && copy.getCharAt(0) == mark &&
+                    copy.getCharAt(copy.getLength() - 1) == mark;
                 if (!intact)
                     ++failures[static_cast<size_t>(t)];
             }

@@ -1,8 +1,8 @@
 // String: sharing and copy on write, the wrapping and empty buffers, the sampled hash,
 // placeholders, valueOf, comparing and searching at word boundaries, changes with clamped
 // ranges and self-aliasing, and the character-buffer role seen from components.
-#include "qn/core/Exception.h"
 #include "qn/core/String.h"
+#include "qn/core/Exception.h"
 #include "qn/util/MTCharBuffer.h"
 
 #include <gtest/gtest.h>
@@ -167,8 +167,8 @@ TEST(StringTest, FormatFillsConsecutivePlaceholdersOnly) {
     // Argument text is never searched again.
     EXPECT_EQ(s.format(u"{0}{1}", -1, u"{1}", u"b"), u"{1}b");
     EXPECT_EQ(s.format(String(u"{{0}} {01} {0"), u"v"), u"{v} {01} {0");
-    EXPECT_EQ(s.format(String(u"{10}{9}{8}{7}{6}{5}{4}{3}{2}{1}{0}"), u"0", u"1", u"2", u"3",
-                       u"4", u"5", u"6", u"7", u"8", u"9", u"10"),
+    EXPECT_EQ(s.format(String(u"{10}{9}{8}{7}{6}{5}{4}{3}{2}{1}{0}"), u"0", u"1", u"2", u"3", u"4",
+                       u"5", u"6", u"7", u"8", u"9", u"10"),
               u"109876543210");
     EXPECT_EQ(s.format(u"no placeholders here", 2), u"no");
 
@@ -204,15 +204,16 @@ TEST(StringTest, ComparesOrdinallyByUnsignedUnit) {
         bool ignoreCase;
         int32_t expected;
     } cases[] = {
-        {u"a", u"b", false, -1},         {u"b", u"a", false, 1},
-        {u"ab", u"abc", false, -1},      {u"", u"", false, 0},
-        {u"\uFFFF", u"a", false, 1},     {u"ABC", u"abd", true, -1},
-        {u"ABC", u"abc", true, 0},       {u"ABC", u"abc", false, -1},
-        {u"\u00C4X", u"\u00E4x", true, 0}, {u"[", u"a", true, -1},
+        {u"a", u"b", false, -1},   {u"b", u"a", false, 1},      {u"ab", u"abc", false, -1},
+        {u"", u"", false, 0},      {u"\uFFFF", u"a", false, 1}, {u"ABC", u"abd", true, -1},
+        {u"ABC", u"abc", true, 0}, {u"ABC", u"abc", false, -1}, {u"\u00C4X", u"\u00E4x", true, 0},
+        {u"[", u"a", true, -1},
     };
     for (const auto& c : cases) {
-        EXPECT_EQ(String(c.a).compare(String(c.b), c.ignoreCase), c.expected) << testing::PrintToString(c.a);
-        EXPECT_EQ(String(c.a).compare(c.b, -1, c.ignoreCase), c.expected) << testing::PrintToString(c.a);
+        EXPECT_EQ(String(c.a).compare(String(c.b), c.ignoreCase), c.expected)
+            << testing::PrintToString(c.a);
+        EXPECT_EQ(String(c.a).compare(c.b, -1, c.ignoreCase), c.expected)
+            << testing::PrintToString(c.a);
         EXPECT_EQ(String(c.a).equals(String(c.b), c.ignoreCase), c.expected == 0);
     }
     // A difference at every position of a text longer than one compared word.
@@ -241,14 +242,16 @@ TEST(StringTest, SearchesFromClampedStarts) {
         int32_t first;
         int32_t last;
     } cases[] = {
-        {u"abc", 0, false, 0, 0},     {u"abc", 1, false, 3, 0},   {u"abc", -9, false, 0, 10},
-        {u"ABC", 0, true, 0, 0},      {u"bca", 0, false, 1, -1},  {u"\u0100a", 0, false, 9, -1},
-        {u"abc", 100, false, -1, 10}, {u"", 4, false, 4, 4},      {u"abcd", 0, false, -1, -1},
+        {u"abc", 0, false, 0, 0},     {u"abc", 1, false, 3, 0},    {u"abc", -9, false, 0, 10},
+        {u"ABC", 0, true, 0, 0},      {u"bca", 0, false, 1, -1},   {u"\u0100a", 0, false, 9, -1},
+        {u"abc", 100, false, -1, 10}, {u"", 4, false, 4, 4},       {u"abcd", 0, false, -1, -1},
         {u"cab", 0, true, 2, -1},     {u"abc", 10, false, 10, 10}, {u"abC", 0, false, -1, -1},
     };
     for (const auto& c : cases) {
-        EXPECT_EQ(s.indexOf(c.part, -1, c.start, c.ignoreCase), c.first) << testing::PrintToString(c.part);
-        EXPECT_EQ(s.lastIndexOf(String(c.part), c.start, c.ignoreCase), c.last) << testing::PrintToString(c.part);
+        EXPECT_EQ(s.indexOf(c.part, -1, c.start, c.ignoreCase), c.first)
+            << testing::PrintToString(c.part);
+        EXPECT_EQ(s.lastIndexOf(String(c.part), c.start, c.ignoreCase), c.last)
+            << testing::PrintToString(c.part);
     }
     EXPECT_EQ(s.lastIndexOf(String(u"abc")), 10);
     EXPECT_TRUE(s.contains(String(u"CAB"), true));
@@ -420,8 +423,9 @@ TEST(StringTest, AdoptsWrapsAndCopiesForeignBuffers) {
     String owner(static_cast<IQNCharBuffer*>(adopted));
     EXPECT_EQ(owner, u"mt");
     // The only holder of a writable buffer changes it in place.
-    owner.append(u"++");
-    EXPECT_EQ(adopted->getLength(), 4);
+    owner.append(u"++").append(owner);
+    EXPECT_EQ(adopted->getLength(), 8);
+    EXPECT_EQ(owner, u"mt++mt++");
 
     Reference<util::MTCharBuffer> held(new util::MTCharBuffer(u"shared", 6));
     String wrapped(String::WRAP, held.get());

@@ -21,9 +21,9 @@ struct STRUCT_QN_STR_LIT_INFO {
 };
 
 // The descriptor of a u"..." literal, measured at compile time.
-#define QN_STR_LIT(literal)                                                                       \
-    ::qn::STRUCT_QN_STR_LIT_INFO {                                                                \
-        literal, static_cast<int32_t>(sizeof(literal) / sizeof(char16_t) - 1)                     \
+#define QN_STR_LIT(literal)                                                                        \
+    ::qn::STRUCT_QN_STR_LIT_INFO {                                                                 \
+        literal, static_cast<int32_t>(sizeof(literal) / sizeof(char16_t) - 1)                      \
     }
 
 // Conventions of the whole interface:
@@ -75,12 +75,6 @@ public:
     // the capacity becomes at least length + 1.
     String(const char16_t* text, int32_t length = -1, int32_t capacity = 0);
     String(AcquireMode mode, const char16_t* text, int32_t length = -1, int32_t capacity = 0);
-#ifdef _WIN32
-    String(const wchar_t* text, int32_t length = -1, int32_t capacity = 0)
-        : String(reinterpret_cast<const char16_t*>(text), length, capacity) {}
-    String(AcquireMode mode, const wchar_t* text, int32_t length = -1, int32_t capacity = 0)
-        : String(mode, reinterpret_cast<const char16_t*>(text), length, capacity) {}
-#endif
     // count copies of c.
     explicit String(char16_t c, int32_t count = 1, int32_t capacity = 0);
     // Empty, with room for capacity units.
@@ -134,8 +128,7 @@ public:
         return getData()[index];
     }
     char16_t operator[](int32_t index) const { return getCharAt(index); }
-    // The data (zero-terminated as getData) and, when length is not null, the length: under
-    // the buffer's read lock for the T form, released with releaseReadLock.
+    // getData and getReadLock that also store the length when length is not null.
     const char16_t* getDataT(int32_t* length) const;
     const char16_t* getReadLockT(int32_t* length) const;
 
@@ -263,9 +256,9 @@ public:
     // placeholder; everything else, argument text included, stays as it is. The caller passes at
     // least as many texts as there are consecutive placeholders.
     String& format(const char16_t* format, int32_t length, ...);
-    template <class... Texts,
-              std::enable_if_t<(std::is_convertible_v<const Texts&, const char16_t*> && ...), int> =
-                  0>
+    template <
+        class... Texts,
+        std::enable_if_t<(std::is_convertible_v<const Texts&, const char16_t*> && ...), int> = 0>
     String& format(const String& format, const Texts&... texts) {
         const char16_t* const arguments[] = {static_cast<const char16_t*>(texts)..., nullptr};
         return formatArray(format, arguments, static_cast<int32_t>(sizeof...(texts)));
@@ -286,8 +279,10 @@ public:
     String toString() const override;
 
 private:
-    // The low two bits of m_buffer say what the rest points to. Buffers of the string's own
-    // making are read and counted without virtual calls.
+    // The low two bits of m_buffer say what the rest points to. Buffers of a String's own
+    // making are read and counted without virtual calls, and never leave the Strings that share
+    // them; their count is that of the holders beyond the first, so that making one needs no
+    // atomic operation, and 0 means a sole holder.
     enum : uintptr_t {
         BUFFER_FOREIGN = 0, // an IQNCharBuffer from elsewhere: only its interface is used
         BUFFER_RW = 1,      // an RWCharBuffer made by a String, with no module
@@ -300,7 +295,7 @@ private:
     struct FillSource;
     struct CopySource;
 
-    // Takes over a buffer value already counted for the new string.
+    // Takes over a buffer value already held for the new string.
     struct Counted {};
     String(uintptr_t buffer, Counted) noexcept : m_buffer(buffer) {}
 
@@ -326,16 +321,16 @@ private:
     }
     static uintptr_t emptyBuffer() noexcept;
     static uintptr_t literalBuffer(bool value) noexcept;
-    // A new read-write buffer, counted once.
+    // A new read-write buffer with its first block, for one holder.
     static util::RWCharBuffer* newBuffer(int32_t capacity);
-    // Counted buffer values for the constructors and setTo.
+    // Buffer values held for one new holder, for the constructors and setTo.
     static uintptr_t copyBuffer(const char16_t* text, int32_t length, int32_t capacity);
     static uintptr_t fromText(AcquireMode mode, const char16_t* text, int32_t length,
                               int32_t capacity);
     static uintptr_t fromBuffer(AcquireMode mode, IQNCharBuffer* buffer);
     static uintptr_t fromString(AcquireMode mode, const String& other, int32_t start,
                                 int32_t length, int32_t capacity);
-    // Replaces the buffer with one already counted for this string.
+    // Replaces the buffer with one already held for this string.
     void reset(uintptr_t buffer) noexcept;
     // True when this string may change its buffer in place: its only holder, and writable.
     bool isSoleWriter() const;
@@ -346,8 +341,7 @@ private:
     const char16_t* foreignData() const;
     [[noreturn]] static void throwIndexOutOfRange();
 
-    template <class Source>
-    String& splice(int32_t start, int32_t removed, const Source& source);
+    template <class Source> String& splice(int32_t start, int32_t removed, const Source& source);
     String& replaceText(int32_t start, int32_t removed, const char16_t* text, int32_t length);
     String& replaceText(int32_t start, int32_t removed, const String& other);
     // Applies change(data + first, length - first) to this string's own copy; nothing when
@@ -366,6 +360,15 @@ private:
     Reference<Object> m_auxiliary;
     // Write locks taken through this string's own buffer interface and not yet released.
     uint32_t m_state = 0;
+
+#ifdef _WIN32
+public:
+    // The same constructors for the platform's wide text, which has the same 16-bit units.
+    String(const wchar_t* text, int32_t length = -1, int32_t capacity = 0)
+        : String(reinterpret_cast<const char16_t*>(text), length, capacity) {}
+    String(AcquireMode mode, const wchar_t* text, int32_t length = -1, int32_t capacity = 0)
+        : String(mode, reinterpret_cast<const char16_t*>(text), length, capacity) {}
+#endif
 };
 
 inline bool operator==(const String& a, const String& b) {

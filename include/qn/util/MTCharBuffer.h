@@ -13,10 +13,6 @@ public:
     MTCharBuffer();
     explicit MTCharBuffer(int32_t capacity);
     MTCharBuffer(const char16_t* text, int32_t length, int32_t capacity = 0);
-#ifdef _WIN32
-    MTCharBuffer(const wchar_t* text, int32_t length, int32_t capacity = 0)
-        : MTCharBuffer(reinterpret_cast<const char16_t*>(text), length, capacity) {}
-#endif
     // Copies the other's text under its read lock.
     MTCharBuffer(const MTCharBuffer& other);
     ~MTCharBuffer() override;
@@ -33,6 +29,13 @@ public:
 
 private:
     mutable sync::ReaderWriterLock m_lock;
+
+#ifdef _WIN32
+public:
+    // The same constructors for the platform's wide text, which has the same 16-bit units.
+    MTCharBuffer(const wchar_t* text, int32_t length, int32_t capacity = 0)
+        : MTCharBuffer(reinterpret_cast<const char16_t*>(text), length, capacity) {}
+#endif
 };
 
 } // namespace qn::util

@@ -16,10 +16,6 @@ public:
     // Stores text and length as given (a negative length, or a null text, as 0); the third
     // argument is ignored and exists for symmetry with RWCharBuffer.
     ROCharBuffer(const char16_t* text, int32_t length, int32_t ignored = 0) noexcept;
-#ifdef _WIN32
-    ROCharBuffer(const wchar_t* text, int32_t length, int32_t ignored = 0) noexcept
-        : ROCharBuffer(reinterpret_cast<const char16_t*>(text), length, ignored) {}
-#endif
     // Shares the other's text (still not owned).
     ROCharBuffer(const ROCharBuffer& other) noexcept;
     ~ROCharBuffer() override;
@@ -44,6 +40,13 @@ private:
 
     const char16_t* m_data = nullptr;
     int32_t m_length = 0;
+
+#ifdef _WIN32
+public:
+    // The same constructors for the platform's wide text, which has the same 16-bit units.
+    ROCharBuffer(const wchar_t* text, int32_t length, int32_t ignored = 0) noexcept
+        : ROCharBuffer(reinterpret_cast<const char16_t*>(text), length, ignored) {}
+#endif
 };
 
 } // namespace qn::util

@@ -21,6 +21,8 @@ public:
         : RWByteBuffer(reinterpret_cast<const signed char*>(data), length, capacity) {}
     // The other's data in a block of the other's capacity.
     RWByteBuffer(const RWByteBuffer& other);
+    // Not assignable: a buffer is an object with an identity, not a value.
+    RWByteBuffer& operator=(const RWByteBuffer&) = delete;
     ~RWByteBuffer() override;
 
     int32_t getLength() const override;
@@ -51,9 +53,9 @@ private:
     signed char* m_data = nullptr;
     int32_t m_capacity = 0;
     int32_t m_length = 0;
-    // Reserved for an extension record of the block (an allocator or a mapping, say); always
-    // null in this library and never read.
-    [[maybe_unused]] void* m_extension = nullptr;
+    // Reserved, like RWCharBuffer's, for a block allocated together with the object; no byte
+    // buffer is made that way, so it stays null and is never read.
+    [[maybe_unused]] void* m_fixedBlock = nullptr;
 };
 
 } // namespace qn::util

@@ -19,12 +19,10 @@ public:
     // A block for the larger of length and capacity; length characters of text are copied when
     // length is at least 1 (a null text copies nothing), else the length is 0.
     RWCharBuffer(const char16_t* text, int32_t length, int32_t capacity = 0);
-#ifdef _WIN32
-    RWCharBuffer(const wchar_t* text, int32_t length, int32_t capacity = 0)
-        : RWCharBuffer(reinterpret_cast<const char16_t*>(text), length, capacity) {}
-#endif
     // The other's text in a block of the other's capacity.
     RWCharBuffer(const RWCharBuffer& other);
+    // Not assignable: a buffer is an object with an identity, not a value.
+    RWCharBuffer& operator=(const RWCharBuffer&) = delete;
     ~RWCharBuffer() override;
 
     int32_t getLength() const override;
@@ -45,6 +43,10 @@ public:
 
     int32_t getCapacity() const noexcept { return m_capacity; }
 
+    // Unsized deletion, because a buffer made with its block is larger than the class.
+    static void* operator new(size_t size);
+    static void operator delete(void* object) noexcept;
+
 protected:
     // Replaces the content with a copy of text in a block for the larger of length and capacity.
     void assign(const char16_t* text, int32_t length, int32_t capacity);
@@ -55,12 +57,24 @@ private:
     // String reads, writes and grows the buffers it makes itself without a virtual call.
     friend class qn::String;
 
+    // A buffer with room for capacity characters in the same allocation as the object, which
+    // saves String a second allocation for every text it makes.
+    static RWCharBuffer* withBlock(int32_t capacity);
+    void freeBlock() noexcept;
+
     char16_t* m_data = nullptr;
     int32_t m_capacity = 0;
     int32_t m_length = 0;
-    // Reserved for an extension record of the block (an allocator or a mapping, say); always
-    // null in this library and never read.
-    [[maybe_unused]] void* m_extension = nullptr;
+    // The block that came with the object (withBlock), which is never freed or resized on its
+    // own; null for buffers made by the constructors.
+    char16_t* m_fixedBlock = nullptr;
+
+#ifdef _WIN32
+public:
+    // The same constructors for the platform's wide text, which has the same 16-bit units.
+    RWCharBuffer(const wchar_t* text, int32_t length, int32_t capacity = 0)
+        : RWCharBuffer(reinterpret_cast<const char16_t*>(text), length, capacity) {}
+#endif
 };
 
 } // namespace qn::util
