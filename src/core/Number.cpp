@@ -330,17 +330,34 @@ template <class T> String formatFloating(T value) {
     return layOutLikeG(text, end);
 }
 
+// The bits that equals, hashCode and compare read, every NaN as the one NaN; a hash folds them
+// as hashInteger folds an integer of their width.
+int32_t canonicalBits(float value) noexcept {
+    return Float::floatToIntBits(value);
+}
+int64_t canonicalBits(double value) noexcept {
+    return Double::doubleToLongBits(value);
+}
+
+template <class T> int32_t compareFloating(T a, T b) noexcept {
+    if (a < b)
+        return -1;
+    if (a > b)
+        return 1;
+    // Equal or unordered: the bits order -0.0 below 0.0 and the one NaN above everything.
+    const auto x = canonicalBits(a);
+    const auto y = canonicalBits(b);
+    return x < y ? -1 : x > y ? 1 : 0;
+}
+
 } // namespace
 
 Number::~Number() = default;
 SignedInteger::~SignedInteger() = default;
 UnsignedInteger::~UnsignedInteger() = default;
 
-// The constants are defined here too, so that the DLL exports them: code that binds one to a
-// reference (as std::max does) takes its address, which a Windows client imports.
-#define QN_INTEGER_MEMBERS(Name)                                                                   \
-    constexpr Name::ValueType Name::MIN_VALUE;                                                     \
-    constexpr Name::ValueType Name::MAX_VALUE;                                                     \
+// What every boxed number defines alike; compare is the class's own.
+#define QN_NUMBER_MEMBERS(Name)                                                                    \
     Name::~Name() = default;                                                                       \
     Reference<Object> Name::clone() const {                                                        \
         return Reference<Object>(new Name(*this));                                                 \
@@ -351,6 +368,16 @@ UnsignedInteger::~UnsignedInteger() = default;
             throwOtherClass(u"" #Name);                                                            \
         return compare(m_value, that->m_value);                                                    \
     }                                                                                              \
+    Reference<Name> Name::valueOf(ValueType value) {                                               \
+        return Reference<Name>(new Name(value));                                                   \
+    }
+
+// The constants are defined here too, so that the DLL exports them: code that binds one to a
+// reference (as std::max does) takes its address, which a Windows client imports.
+#define QN_INTEGER_MEMBERS(Name)                                                                   \
+    constexpr Name::ValueType Name::MIN_VALUE;                                                     \
+    constexpr Name::ValueType Name::MAX_VALUE;                                                     \
+    QN_NUMBER_MEMBERS(Name)                                                                        \
     bool Name::equals(const Object& other) const {                                                 \
         const auto* that = dynamic_cast<const Name*>(&other);                                      \
         return that && that->m_value == m_value;                                                   \
@@ -363,9 +390,6 @@ UnsignedInteger::~UnsignedInteger() = default;
     }                                                                                              \
     Name::ValueType Name::parse(const String& text, int radix) {                                   \
         return parseInteger<ValueType>(text, radix, u"" #Name);                                    \
-    }                                                                                              \
-    Reference<Name> Name::valueOf(ValueType value) {                                               \
-        return Reference<Name>(new Name(value));                                                   \
     }                                                                                              \
     Reference<Name> Name::valueOf(const String& text, int radix) {                                 \
         return valueOf(parse(text, radix));                                                        \
@@ -382,116 +406,39 @@ QN_INTEGER_MEMBERS(UInteger64)
 
 #undef QN_INTEGER_MEMBERS
 
-constexpr float Float::MIN_VALUE;
-constexpr float Float::MIN_NORMAL;
-constexpr float Float::MAX_VALUE;
-constexpr float Float::POSITIVE_INFINITY;
-constexpr float Float::NEGATIVE_INFINITY;
-constexpr float Float::NaN;
+// The same for Float and Double, which compare, hash and test equality through canonicalBits.
+#define QN_FLOATING_MEMBERS(Name)                                                                  \
+    constexpr Name::ValueType Name::MIN_VALUE;                                                     \
+    constexpr Name::ValueType Name::MIN_NORMAL;                                                    \
+    constexpr Name::ValueType Name::MAX_VALUE;                                                     \
+    constexpr Name::ValueType Name::POSITIVE_INFINITY;                                             \
+    constexpr Name::ValueType Name::NEGATIVE_INFINITY;                                             \
+    constexpr Name::ValueType Name::NaN;                                                           \
+    QN_NUMBER_MEMBERS(Name)                                                                        \
+    bool Name::equals(const Object& other) const {                                                 \
+        const auto* that = dynamic_cast<const Name*>(&other);                                      \
+        return that && canonicalBits(that->m_value) == canonicalBits(m_value);                     \
+    }                                                                                              \
+    uint32_t Name::hashCode() const {                                                              \
+        return hashInteger(canonicalBits(m_value));                                                \
+    }                                                                                              \
+    String Name::toString() const {                                                                \
+        return formatFloating(m_value);                                                            \
+    }                                                                                              \
+    int32_t Name::compare(ValueType a, ValueType b) noexcept {                                     \
+        return compareFloating(a, b);                                                              \
+    }                                                                                              \
+    Name::ValueType Name::parse(const String& text) {                                              \
+        return parseFloating<ValueType>(text, u"" #Name);                                          \
+    }                                                                                              \
+    Reference<Name> Name::valueOf(const String& text) {                                            \
+        return valueOf(parse(text));                                                               \
+    }
 
-Float::~Float() = default;
+QN_FLOATING_MEMBERS(Float)
+QN_FLOATING_MEMBERS(Double)
 
-Reference<Object> Float::clone() const {
-    return Reference<Object>(new Float(*this));
-}
-
-int32_t Float::compareTo(const Object& other) const {
-    const auto* that = dynamic_cast<const Float*>(&other);
-    if (!that)
-        throwOtherClass(u"Float");
-    return compare(m_value, that->m_value);
-}
-
-bool Float::equals(const Object& other) const {
-    const auto* that = dynamic_cast<const Float*>(&other);
-    return that && floatToIntBits(that->m_value) == floatToIntBits(m_value);
-}
-
-uint32_t Float::hashCode() const {
-    return static_cast<uint32_t>(floatToIntBits(m_value));
-}
-
-String Float::toString() const {
-    return formatFloating(m_value);
-}
-
-int32_t Float::compare(float a, float b) noexcept {
-    if (a < b)
-        return -1;
-    if (a > b)
-        return 1;
-    // Equal or unordered: the bits order -0.0 below 0.0 and the one NaN above everything.
-    const int32_t x = floatToIntBits(a);
-    const int32_t y = floatToIntBits(b);
-    return x < y ? -1 : x > y ? 1 : 0;
-}
-
-float Float::parse(const String& text) {
-    return parseFloating<float>(text, u"Float");
-}
-
-Reference<Float> Float::valueOf(float value) {
-    return Reference<Float>(new Float(value));
-}
-
-Reference<Float> Float::valueOf(const String& text) {
-    return valueOf(parse(text));
-}
-
-constexpr double Double::MIN_VALUE;
-constexpr double Double::MIN_NORMAL;
-constexpr double Double::MAX_VALUE;
-constexpr double Double::POSITIVE_INFINITY;
-constexpr double Double::NEGATIVE_INFINITY;
-constexpr double Double::NaN;
-
-Double::~Double() = default;
-
-Reference<Object> Double::clone() const {
-    return Reference<Object>(new Double(*this));
-}
-
-int32_t Double::compareTo(const Object& other) const {
-    const auto* that = dynamic_cast<const Double*>(&other);
-    if (!that)
-        throwOtherClass(u"Double");
-    return compare(m_value, that->m_value);
-}
-
-bool Double::equals(const Object& other) const {
-    const auto* that = dynamic_cast<const Double*>(&other);
-    return that && doubleToLongBits(that->m_value) == doubleToLongBits(m_value);
-}
-
-uint32_t Double::hashCode() const {
-    const uint64_t bits = static_cast<uint64_t>(doubleToLongBits(m_value));
-    return static_cast<uint32_t>(bits ^ (bits >> 32));
-}
-
-String Double::toString() const {
-    return formatFloating(m_value);
-}
-
-int32_t Double::compare(double a, double b) noexcept {
-    if (a < b)
-        return -1;
-    if (a > b)
-        return 1;
-    const int64_t x = doubleToLongBits(a);
-    const int64_t y = doubleToLongBits(b);
-    return x < y ? -1 : x > y ? 1 : 0;
-}
-
-double Double::parse(const String& text) {
-    return parseFloating<double>(text, u"Double");
-}
-
-Reference<Double> Double::valueOf(double value) {
-    return Reference<Double>(new Double(value));
-}
-
-Reference<Double> Double::valueOf(const String& text) {
-    return valueOf(parse(text));
-}
+#undef QN_FLOATING_MEMBERS
+#undef QN_NUMBER_MEMBERS
 
 } // namespace qn

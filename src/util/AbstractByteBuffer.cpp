@@ -1,6 +1,6 @@
 #include "qn/util/AbstractByteBuffer.h"
 
-#include "qn/core/Exception.h"
+#include "BufferSupport.h"
 
 namespace qn::util {
 
@@ -20,24 +20,15 @@ QNRESULT QN_STDCALL AbstractByteBuffer::QueryInterface(const QNGUID& iid, void**
 }
 
 QNRESULT QN_STDCALL AbstractByteBuffer::GetLength(int32_t* length) {
-    if (!length)
-        return QN_E_POINTER;
-    *length = 0;
-    return translateExceptions([&] { *length = getLength(); });
+    return buffer::output(length, [&] { return getLength(); });
 }
 
 QNRESULT QN_STDCALL AbstractByteBuffer::GetData(const signed char** data) {
-    if (!data)
-        return QN_E_POINTER;
-    *data = nullptr;
-    return translateExceptions([&] { *data = getData(); });
+    return buffer::output(data, [&] { return getData(); });
 }
 
 QNRESULT QN_STDCALL AbstractByteBuffer::GetReadLock(const signed char** data) {
-    if (!data)
-        return QN_E_POINTER;
-    *data = nullptr;
-    return translateExceptions([&] { *data = getReadLock(); });
+    return buffer::output(data, [&] { return getReadLock(); });
 }
 
 QNRESULT QN_STDCALL AbstractByteBuffer::ReleaseReadLock() {
@@ -45,24 +36,15 @@ QNRESULT QN_STDCALL AbstractByteBuffer::ReleaseReadLock() {
 }
 
 QNRESULT QN_STDCALL AbstractByteBuffer::IsWritable(int32_t* writable) {
-    if (!writable)
-        return QN_E_POINTER;
-    *writable = 0;
-    return translateExceptions([&] { *writable = isWritable() ? 1 : 0; });
+    return buffer::output(writable, [&] { return isWritable() ? 1 : 0; });
 }
 
 QNRESULT QN_STDCALL AbstractByteBuffer::GetWriteLock(signed char** data) {
-    if (!data)
-        return QN_E_POINTER;
-    *data = nullptr;
-    return translateExceptions([&] { *data = getWriteLock(); });
+    return buffer::output(data, [&] { return getWriteLock(); });
 }
 
 QNRESULT QN_STDCALL AbstractByteBuffer::EnsureCapacity(int32_t capacity, signed char** data) {
-    if (!data)
-        return QN_E_POINTER;
-    *data = nullptr;
-    return translateExceptions([&] { *data = ensureCapacity(capacity); });
+    return buffer::output(data, [&] { return ensureCapacity(capacity); });
 }
 
 QNRESULT QN_STDCALL AbstractByteBuffer::ReleaseWriteLock(int32_t length) {

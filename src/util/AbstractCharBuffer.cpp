@@ -1,6 +1,6 @@
 #include "qn/util/AbstractCharBuffer.h"
 
-#include "qn/core/Exception.h"
+#include "BufferSupport.h"
 
 namespace qn::util {
 
@@ -20,24 +20,15 @@ QNRESULT QN_STDCALL AbstractCharBuffer::QueryInterface(const QNGUID& iid, void**
 }
 
 QNRESULT QN_STDCALL AbstractCharBuffer::GetLength(int32_t* length) {
-    if (!length)
-        return QN_E_POINTER;
-    *length = 0;
-    return translateExceptions([&] { *length = getLength(); });
+    return buffer::output(length, [&] { return getLength(); });
 }
 
 QNRESULT QN_STDCALL AbstractCharBuffer::GetData(const QNWCHAR** data) {
-    if (!data)
-        return QN_E_POINTER;
-    *data = nullptr;
-    return translateExceptions([&] { *data = reinterpret_cast<const QNWCHAR*>(getData()); });
+    return buffer::output(data, [&] { return reinterpret_cast<const QNWCHAR*>(getData()); });
 }
 
 QNRESULT QN_STDCALL AbstractCharBuffer::GetReadLock(const QNWCHAR** data) {
-    if (!data)
-        return QN_E_POINTER;
-    *data = nullptr;
-    return translateExceptions([&] { *data = reinterpret_cast<const QNWCHAR*>(getReadLock()); });
+    return buffer::output(data, [&] { return reinterpret_cast<const QNWCHAR*>(getReadLock()); });
 }
 
 QNRESULT QN_STDCALL AbstractCharBuffer::ReleaseReadLock() {
@@ -45,25 +36,16 @@ QNRESULT QN_STDCALL AbstractCharBuffer::ReleaseReadLock() {
 }
 
 QNRESULT QN_STDCALL AbstractCharBuffer::IsWritable(int32_t* writable) {
-    if (!writable)
-        return QN_E_POINTER;
-    *writable = 0;
-    return translateExceptions([&] { *writable = isWritable() ? 1 : 0; });
+    return buffer::output(writable, [&] { return isWritable() ? 1 : 0; });
 }
 
 QNRESULT QN_STDCALL AbstractCharBuffer::GetWriteLock(QNWCHAR** data) {
-    if (!data)
-        return QN_E_POINTER;
-    *data = nullptr;
-    return translateExceptions([&] { *data = reinterpret_cast<QNWCHAR*>(getWriteLock()); });
+    return buffer::output(data, [&] { return reinterpret_cast<QNWCHAR*>(getWriteLock()); });
 }
 
 QNRESULT QN_STDCALL AbstractCharBuffer::EnsureCapacity(int32_t capacity, QNWCHAR** data) {
-    if (!data)
-        return QN_E_POINTER;
-    *data = nullptr;
-    return translateExceptions(
-        [&] { *data = reinterpret_cast<QNWCHAR*>(ensureCapacity(capacity)); });
+    return buffer::output(data,
+                          [&] { return reinterpret_cast<QNWCHAR*>(ensureCapacity(capacity)); });
 }
 
 QNRESULT QN_STDCALL AbstractCharBuffer::ReleaseWriteLock(int32_t length) {

@@ -1,8 +1,10 @@
-// What the read-write and multi-thread buffers share on both the character and the byte side:
-// blocks of elements whose capacity is 0 or a multiple of 16, held with malloc so that they can
-// change size in place with realloc, and scoped holds of a reader-writer lock.
+// What the buffers share on both the character and the byte side: blocks of elements whose
+// capacity is 0 or a multiple of 16, held with malloc so that they can change size in place with
+// realloc; the checks that end a write; scoped holds of a reader-writer lock; and the outputs of
+// the interface operations.
 #pragma once
 
+#include "qn/core/Exception.h"
 #include "qn/sync/ReaderWriterLock.h"
 
 #include <algorithm>
@@ -70,6 +72,62 @@ void reallocate(E*& data, int32_t& capacity, int32_t& length, int32_t n,
     data = static_cast<E*>(block);
     capacity = rounded;
     length = std::min(length, rounded);
+}
+
+// Frees a block unless it is the one allocated with its object (fixed).
+template <class E> void release(E* data, const void* fixed = nullptr) noexcept {
+    if (data != fixed)
+        std::free(data);
+}
+
+// Replaces the content with a copy of n elements of from (none when from is null or n is
+// negative) in a new block for the larger of n and minCapacity. The old block is released only
+// once the new one exists, so std::bad_alloc leaves the buffer as it was.
+template <class E>
+void assign(E*& data, int32_t& capacity, int32_t& length, const E* from, int32_t n,
+            int32_t minCapacity, const void* fixed = nullptr) {
+    if (!from || n < 0)
+        n = 0;
+    int32_t newCapacity = 0;
+    E* block = allocate<E>(std::max(n, minCapacity), newCapacity);
+    if (n > 0)
+        std::memcpy(block, from, static_cast<size_t>(n) * sizeof(E));
+    release(data, fixed);
+    data = block;
+    capacity = newCapacity;
+    length = n;
+}
+
+// The length that ends a write: -1 keeps the present one; below -1 or above the capacity throws
+// RangeErrorException and changes nothing.
+inline void storeLength(int32_t& length, int32_t capacity, int32_t n) {
+    if (n == -1)
+        return;
+    if (n < -1 || n > capacity)
+        throw RangeErrorException(String(u"buffer length out of range"));
+    length = n;
+}
+
+// Runs the last step of a write, for which the caller holds lock exclusively, then releases the
+// lock whether or not the step throws. Unlike ExclusiveHold, a failing release reaches the caller.
+template <class Step> void endWrite(sync::ReaderWriterLock& lock, Step&& step) {
+    try {
+        step();
+    } catch (...) {
+        lock.signal();
+        throw;
+    }
+    lock.signal();
+}
+
+// The one output of an interface operation: a null pointer gives QN_E_POINTER; otherwise the
+// output is cleared, so that a failure leaves nothing in it, then set from get with exceptions
+// turned into result codes.
+template <class T, class Get> QNRESULT output(T* out, Get&& get) noexcept {
+    if (!out)
+        return QN_E_POINTER;
+    *out = T();
+    return translateExceptions([&] { *out = get(); });
 }
 
 // Holds a reader-writer lock shared, or exclusively, for a scope.

@@ -34,13 +34,7 @@ signed char* MTByteBuffer::getWriteLock() {
 
 void MTByteBuffer::releaseWriteLock(int32_t length) {
     // The write ends whether or not the length is accepted.
-    try {
-        setLength(length);
-    } catch (...) {
-        m_lock.signal();
-        throw;
-    }
-    m_lock.signal();
+    buffer::endWrite(m_lock, [&] { setLength(length); });
 }
 
 void MTByteBuffer::freeExtra() {

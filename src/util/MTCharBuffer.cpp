@@ -34,13 +34,7 @@ char16_t* MTCharBuffer::getWriteLock() {
 
 void MTCharBuffer::releaseWriteLock(int32_t length) {
     // The write ends whether or not the length is accepted.
-    try {
-        setLength(length);
-    } catch (...) {
-        m_lock.signal();
-        throw;
-    }
-    m_lock.signal();
+    buffer::endWrite(m_lock, [&] { setLength(length); });
 }
 
 void MTCharBuffer::freeExtra() {

@@ -1,10 +1,6 @@
 #include "qn/util/RWByteBuffer.h"
 
 #include "BufferSupport.h"
-#include "qn/core/Exception.h"
-
-#include <algorithm>
-#include <cstring>
 
 namespace qn::util {
 
@@ -25,24 +21,11 @@ RWByteBuffer::~RWByteBuffer() {
 }
 
 void RWByteBuffer::assign(const signed char* data, int32_t length, int32_t capacity) {
-    if (!data || length < 0)
-        length = 0;
-    int32_t newCapacity = 0;
-    signed char* block = buffer::allocate<signed char>(std::max(length, capacity), newCapacity);
-    if (length > 0)
-        std::memcpy(block, data, static_cast<size_t>(length));
-    std::free(m_data);
-    m_data = block;
-    m_capacity = newCapacity;
-    m_length = length;
+    buffer::assign(m_data, m_capacity, m_length, data, length, capacity);
 }
 
 void RWByteBuffer::setLength(int32_t length) {
-    if (length == -1)
-        return;
-    if (length < -1 || length > m_capacity)
-        throw RangeErrorException(String(u"buffer length out of range"));
-    m_length = length;
+    buffer::storeLength(m_length, m_capacity, length);
 }
 
 int32_t RWByteBuffer::getLength() const {

@@ -1,10 +1,6 @@
 #include "qn/util/RWCharBuffer.h"
 
 #include "BufferSupport.h"
-#include "qn/core/Exception.h"
-
-#include <algorithm>
-#include <cstring>
 
 namespace qn::util {
 
@@ -45,29 +41,15 @@ RWCharBuffer* RWCharBuffer::withBlock(int32_t capacity) {
 }
 
 void RWCharBuffer::freeBlock() noexcept {
-    if (m_data != m_fixedBlock)
-        std::free(m_data);
+    buffer::release(m_data, m_fixedBlock);
 }
 
 void RWCharBuffer::assign(const char16_t* text, int32_t length, int32_t capacity) {
-    if (!text || length < 0)
-        length = 0;
-    int32_t newCapacity = 0;
-    char16_t* data = buffer::allocate<char16_t>(std::max(length, capacity), newCapacity);
-    if (length > 0)
-        std::memcpy(data, text, static_cast<size_t>(length) * sizeof(char16_t));
-    freeBlock();
-    m_data = data;
-    m_capacity = newCapacity;
-    m_length = length;
+    buffer::assign(m_data, m_capacity, m_length, text, length, capacity, m_fixedBlock);
 }
 
 void RWCharBuffer::setLength(int32_t length) {
-    if (length == -1)
-        return;
-    if (length < -1 || length > m_capacity)
-        throw RangeErrorException(String(u"buffer length out of range"));
-    m_length = length;
+    buffer::storeLength(m_length, m_capacity, length);
 }
 
 int32_t RWCharBuffer::getLength() const {

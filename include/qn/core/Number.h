@@ -168,6 +168,76 @@ QN_INTEGER_CLASS(UInteger64, UnsignedInteger, uint64_t);
 
 #undef QN_INTEGER_CLASS
 
+// What Float and Double declare alike; each adds the conversions to and from its bits.
+#define QN_FLOATING_MEMBERS(Name, Type)                                                            \
+    using ValueType = Type;                                                                        \
+    static constexpr Type MIN_VALUE = std::numeric_limits<Type>::denorm_min();                     \
+    static constexpr Type MIN_NORMAL = std::numeric_limits<Type>::min();                           \
+    static constexpr Type MAX_VALUE = std::numeric_limits<Type>::max();                            \
+    static constexpr Type POSITIVE_INFINITY = std::numeric_limits<Type>::infinity();               \
+    static constexpr Type NEGATIVE_INFINITY = -std::numeric_limits<Type>::infinity();              \
+    static constexpr Type NaN = std::numeric_limits<Type>::quiet_NaN();                            \
+                                                                                                   \
+    Name() noexcept : m_value(0) {}                                                                \
+    explicit Name(Type value) noexcept : m_value(value) {}                                         \
+    Name(const Name&) noexcept = default;                                                          \
+    ~Name() override;                                                                              \
+                                                                                                   \
+    int8_t int8Value() const noexcept override {                                                   \
+        return static_cast<int8_t>(detail::floatingToInt32(m_value));                              \
+    }                                                                                              \
+    int16_t int16Value() const noexcept override {                                                 \
+        return static_cast<int16_t>(detail::floatingToInt32(m_value));                             \
+    }                                                                                              \
+    int32_t int32Value() const noexcept override {                                                 \
+        return detail::floatingToInt32(m_value);                                                   \
+    }                                                                                              \
+    int64_t int64Value() const noexcept override {                                                 \
+        return detail::floatingToInt64(m_value);                                                   \
+    }                                                                                              \
+    uint8_t uint8Value() const noexcept override {                                                 \
+        return static_cast<uint8_t>(detail::floatingToInt32(m_value));                             \
+    }                                                                                              \
+    uint16_t uint16Value() const noexcept override {                                               \
+        return static_cast<uint16_t>(detail::floatingToInt32(m_value));                            \
+    }                                                                                              \
+    uint32_t uint32Value() const noexcept override {                                               \
+        return static_cast<uint32_t>(detail::floatingToInt64(m_value));                            \
+    }                                                                                              \
+    uint64_t uint64Value() const noexcept override {                                               \
+        return detail::floatingToUInt64(m_value);                                                  \
+    }                                                                                              \
+    float floatValue() const noexcept override {                                                   \
+        return static_cast<float>(m_value);                                                        \
+    }                                                                                              \
+    double doubleValue() const noexcept override {                                                 \
+        return m_value;                                                                            \
+    }                                                                                              \
+                                                                                                   \
+    bool isNaN() const noexcept {                                                                  \
+        return std::isnan(m_value);                                                                \
+    }                                                                                              \
+    bool isInfinite() const noexcept {                                                             \
+        return std::isinf(m_value);                                                                \
+    }                                                                                              \
+                                                                                                   \
+    Reference<Object> clone() const override;                                                      \
+    int32_t compareTo(const Object& other) const override;                                         \
+    bool equals(const Object& other) const override;                                               \
+    uint32_t hashCode() const override;                                                            \
+    String toString() const override;                                                              \
+                                                                                                   \
+    static bool isNaN(Type value) noexcept {                                                       \
+        return std::isnan(value);                                                                  \
+    }                                                                                              \
+    static bool isInfinite(Type value) noexcept {                                                  \
+        return std::isinf(value);                                                                  \
+    }                                                                                              \
+    static int32_t compare(Type a, Type b) noexcept;                                               \
+    static Type parse(const String& text);                                                         \
+    static Reference<Name> valueOf(Type value);                                                    \
+    static Reference<Name> valueOf(const String& text)
+
 // Float and Double. Beyond Object's operations, as Java's:
 //  - compareTo and compare order totally: -0.0 below 0.0, NaN above infinity and equal to every
 //    NaN; compareTo throws CastFailedException for an object of any other class;
@@ -187,51 +257,8 @@ QN_INTEGER_CLASS(UInteger64, UnsignedInteger, uint64_t);
 // value is -MAX_VALUE.
 class QNCL_API Float final : public Number {
 public:
-    using ValueType = float;
-    static constexpr float MIN_VALUE = std::numeric_limits<float>::denorm_min();
-    static constexpr float MIN_NORMAL = std::numeric_limits<float>::min();
-    static constexpr float MAX_VALUE = std::numeric_limits<float>::max();
-    static constexpr float POSITIVE_INFINITY = std::numeric_limits<float>::infinity();
-    static constexpr float NEGATIVE_INFINITY = -std::numeric_limits<float>::infinity();
-    static constexpr float NaN = std::numeric_limits<float>::quiet_NaN();
+    QN_FLOATING_MEMBERS(Float, float);
 
-    Float() noexcept : m_value(0.0f) {}
-    explicit Float(float value) noexcept : m_value(value) {}
-    Float(const Float&) noexcept = default;
-    ~Float() override;
-
-    int8_t int8Value() const noexcept override {
-        return static_cast<int8_t>(detail::floatingToInt32(m_value));
-    }
-    int16_t int16Value() const noexcept override {
-        return static_cast<int16_t>(detail::floatingToInt32(m_value));
-    }
-    int32_t int32Value() const noexcept override { return detail::floatingToInt32(m_value); }
-    int64_t int64Value() const noexcept override { return detail::floatingToInt64(m_value); }
-    uint8_t uint8Value() const noexcept override {
-        return static_cast<uint8_t>(detail::floatingToInt32(m_value));
-    }
-    uint16_t uint16Value() const noexcept override {
-        return static_cast<uint16_t>(detail::floatingToInt32(m_value));
-    }
-    uint32_t uint32Value() const noexcept override {
-        return static_cast<uint32_t>(detail::floatingToInt64(m_value));
-    }
-    uint64_t uint64Value() const noexcept override { return detail::floatingToUInt64(m_value); }
-    float floatValue() const noexcept override { return m_value; }
-    double doubleValue() const noexcept override { return m_value; }
-
-    bool isNaN() const noexcept { return std::isnan(m_value); }
-    bool isInfinite() const noexcept { return std::isinf(m_value); }
-
-    Reference<Object> clone() const override;
-    int32_t compareTo(const Object& other) const override;
-    bool equals(const Object& other) const override;
-    uint32_t hashCode() const override;
-    String toString() const override;
-
-    static bool isNaN(float value) noexcept { return std::isnan(value); }
-    static bool isInfinite(float value) noexcept { return std::isinf(value); }
     // The bits of the value, every NaN as 0x7FC00000.
     static int32_t floatToIntBits(float value) noexcept {
         return std::isnan(value) ? 0x7FC00000 : floatToRawIntBits(value);
@@ -246,10 +273,6 @@ public:
         std::memcpy(&value, &bits, sizeof value);
         return value;
     }
-    static int32_t compare(float a, float b) noexcept;
-    static float parse(const String& text);
-    static Reference<Float> valueOf(float value);
-    static Reference<Float> valueOf(const String& text);
 
 private:
     float m_value;
@@ -257,51 +280,8 @@ private:
 
 class QNCL_API Double final : public Number {
 public:
-    using ValueType = double;
-    static constexpr double MIN_VALUE = std::numeric_limits<double>::denorm_min();
-    static constexpr double MIN_NORMAL = std::numeric_limits<double>::min();
-    static constexpr double MAX_VALUE = std::numeric_limits<double>::max();
-    static constexpr double POSITIVE_INFINITY = std::numeric_limits<double>::infinity();
-    static constexpr double NEGATIVE_INFINITY = -std::numeric_limits<double>::infinity();
-    static constexpr double NaN = std::numeric_limits<double>::quiet_NaN();
+    QN_FLOATING_MEMBERS(Double, double);
 
-    Double() noexcept : m_value(0.0) {}
-    explicit Double(double value) noexcept : m_value(value) {}
-    Double(const Double&) noexcept = default;
-    ~Double() override;
-
-    int8_t int8Value() const noexcept override {
-        return static_cast<int8_t>(detail::floatingToInt32(m_value));
-    }
-    int16_t int16Value() const noexcept override {
-        return static_cast<int16_t>(detail::floatingToInt32(m_value));
-    }
-    int32_t int32Value() const noexcept override { return detail::floatingToInt32(m_value); }
-    int64_t int64Value() const noexcept override { return detail::floatingToInt64(m_value); }
-    uint8_t uint8Value() const noexcept override {
-        return static_cast<uint8_t>(detail::floatingToInt32(m_value));
-    }
-    uint16_t uint16Value() const noexcept override {
-        return static_cast<uint16_t>(detail::floatingToInt32(m_value));
-    }
-    uint32_t uint32Value() const noexcept override {
-        return static_cast<uint32_t>(detail::floatingToInt64(m_value));
-    }
-    uint64_t uint64Value() const noexcept override { return detail::floatingToUInt64(m_value); }
-    float floatValue() const noexcept override { return static_cast<float>(m_value); }
-    double doubleValue() const noexcept override { return m_value; }
-
-    bool isNaN() const noexcept { return std::isnan(m_value); }
-    bool isInfinite() const noexcept { return std::isinf(m_value); }
-
-    Reference<Object> clone() const override;
-    int32_t compareTo(const Object& other) const override;
-    bool equals(const Object& other) const override;
-    uint32_t hashCode() const override;
-    String toString() const override;
-
-    static bool isNaN(double value) noexcept { return std::isnan(value); }
-    static bool isInfinite(double value) noexcept { return std::isinf(value); }
     // The bits of the value, every NaN as 0x7FF8000000000000.
     static int64_t doubleToLongBits(double value) noexcept {
         return std::isnan(value) ? INT64_C(0x7FF8000000000000) : doubleToRawLongBits(value);
@@ -316,13 +296,11 @@ public:
         std::memcpy(&value, &bits, sizeof value);
         return value;
     }
-    static int32_t compare(double a, double b) noexcept;
-    static double parse(const String& text);
-    static Reference<Double> valueOf(double value);
-    static Reference<Double> valueOf(const String& text);
 
 private:
     double m_value;
 };
+
+#undef QN_FLOATING_MEMBERS
 
 } // namespace qn

@@ -120,8 +120,10 @@ StoreKeys ComponentStore::parse(const std::string& text) {
         size_t end = text.find('\n', start);
         if (end == std::string::npos)
             end = text.size();
+        // Carriage returns at the end of a line are line-ending residue, never part of a value, so
+        // that what is parsed survives being written and parsed again.
         size_t stop = end;
-        if (stop > start && text[stop - 1] == '\r')
+        while (stop > start && text[stop - 1] == '\r')
             --stop;
         const size_t equals = text.find('=', start);
         if (equals != std::string::npos && equals > start && equals < stop)

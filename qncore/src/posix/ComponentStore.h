@@ -17,8 +17,8 @@ public:
     // $HOME/.config/qncl/components.reg; empty when none of them can be formed.
     static std::string path();
 
-    // Lines without "=" or with an empty key are ignored; a later line for a key wins; a trailing
-    // carriage return is dropped.
+    // Lines without "=" or with an empty key are ignored; a later line for a key wins; trailing
+    // carriage returns are dropped.
     static StoreKeys parse(const std::string& text);
     static std::string serialize(const StoreKeys& keys);
 
