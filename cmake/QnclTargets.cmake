@@ -20,11 +20,17 @@ endfunction()
 
 # Test programs. On Linux every test of a program is one CTest entry; in a Windows build run
 # under Wine, the whole program is one entry, since each Wine process start has a cost.
+# A build that runs only one kind (the sanitizer builds) leaves the other out with
+# QNCL_UNIT_TESTS or QNCL_STRESS_TESTS; callers test if(TARGET NAME) before adding to one.
 # qncl_test_program(NAME SOURCES ... [LIBS ...] [LABELS ...])
 function(qncl_test_program name)
     cmake_parse_arguments(ARG "" "" "SOURCES;LIBS;LABELS" ${ARGN})
     if(NOT ARG_LABELS)
         set(ARG_LABELS unit)
+    endif()
+    if(("unit" IN_LIST ARG_LABELS AND NOT QNCL_UNIT_TESTS)
+       OR ("stress" IN_LIST ARG_LABELS AND NOT QNCL_STRESS_TESTS))
+        return()
     endif()
     add_executable(${name} ${ARG_SOURCES})
     qncl_warnings(${name})
