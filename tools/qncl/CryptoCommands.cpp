@@ -4,6 +4,7 @@
 #include "qn/crypto/BlowFish.h"
 #include "qn/crypto/MD5Digest.h"
 
+#include <charconv>
 #include <memory>
 #include <vector>
 
@@ -79,26 +80,17 @@ void declareBlowfish(CommandLineParser& parser) {
 
 std::vector<unsigned char> parseKey(const String& hex) {
     const std::string text = utf8(hex);
-    auto digit = [](char c) {
-        if (c >= '0' && c <= '9')
-            return c - '0';
-        if (c >= 'a' && c <= 'f')
-            return c - 'a' + 10;
-        if (c >= 'A' && c <= 'F')
-            return c - 'A' + 10;
-        return -1;
-    };
     if (text.size() % 2 != 0)
         throw UsageError(wide("invalid key '" + text + "': an odd number of hexadecimal digits"));
     if (text.size() > 2 * MAX_KEY_BYTES)
         throw UsageError(wide("invalid key: longer than 56 bytes (112 hexadecimal digits)"));
     std::vector<unsigned char> key;
     for (size_t i = 0; i < text.size(); i += 2) {
-        const int high = digit(text[i]);
-        const int low = digit(text[i + 1]);
-        if (high < 0 || low < 0)
+        unsigned char byte = 0;
+        const char* pair = text.data() + i;
+        if (std::from_chars(pair, pair + 2, byte, 16).ptr != pair + 2)
             throw UsageError(wide("invalid key '" + text + "': not hexadecimal"));
-        key.push_back(static_cast<unsigned char>(high << 4 | low));
+        key.push_back(byte);
     }
     return key;
 }
