@@ -59,8 +59,9 @@ bool isStandardStream(const String& name) {
     return name.isEmpty() || name == u"-";
 }
 
-ByteInput::ByteInput(const String& name) : m_name(isStandardStream(name) ? String(u"-") : name) {
-    if (isStandardStream(name)) {
+ByteInput::ByteInput(const String& name)
+    : m_name(isStandardStream(name) ? String(u"-") : name), m_standard(isStandardStream(name)) {
+    if (m_standard) {
         binary(stdin);
         return;
     }
@@ -70,25 +71,32 @@ ByteInput::ByteInput(const String& name) : m_name(isStandardStream(name) ? Strin
 }
 
 ByteInput::~ByteInput() {
+    close();
+}
+
+void ByteInput::close() noexcept {
     if (m_file != QN_INVALID_FILE)
         QNFileClose(m_file);
+    m_file = QN_INVALID_FILE;
 }
 
 size_t ByteInput::read(unsigned char* buffer, size_t size) {
-    if (m_file == QN_INVALID_FILE) {
+    if (m_standard) {
         const size_t done = std::fread(buffer, 1, size, stdin);
         if (done == 0 && std::ferror(stdin))
             fail("cannot read", lastError());
         return done;
     }
+    if (m_file == QN_INVALID_FILE)
+        return 0;
     uint32_t done = 0;
     check("cannot read", QNFileRead(m_file, buffer, static_cast<uint32_t>(size), &done));
     return done;
 }
 
 ByteOutput::ByteOutput(const String& name)
-    : m_name(isStandardStream(name) ? String(u"-") : name) {
-    if (isStandardStream(name)) {
+    : m_name(isStandardStream(name) ? String(u"-") : name), m_standard(isStandardStream(name)) {
+    if (m_standard) {
         binary(stdout);
         return;
     }
@@ -124,11 +132,13 @@ void ByteOutput::discard() noexcept {
 }
 
 void ByteOutput::write(const unsigned char* data, size_t size) {
-    if (m_file == QN_INVALID_FILE) {
+    if (m_standard) {
         if (std::fwrite(data, 1, size, stdout) != size)
             fail("cannot write", lastError());
         return;
     }
+    if (m_file == QN_INVALID_FILE)
+        throw qn::IllegalStateException(String(u"written after commit"));
     while (size > 0) {
         const auto piece = static_cast<uint32_t>(size < (1u << 30) ? size : 1u << 30);
         uint32_t done = 0;
@@ -139,11 +149,13 @@ void ByteOutput::write(const unsigned char* data, size_t size) {
 }
 
 void ByteOutput::commit() {
-    if (m_file == QN_INVALID_FILE) {
+    if (m_standard) {
         if (!flushOutput())
             fail("cannot write", lastError());
         return;
     }
+    if (m_file == QN_INVALID_FILE)
+        return;
     QNRESULT code = QNFileFlush(m_file);
     if (QN_SUCCEEDED(code)) {
         code = QNFileClose(m_file);

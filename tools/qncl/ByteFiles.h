@@ -19,13 +19,17 @@ public:
     ByteInput(const ByteInput&) = delete;
     ByteInput& operator=(const ByteInput&) = delete;
 
-    // Up to size bytes; 0 only at the end of the input.
+    // Up to size bytes; 0 only at the end of the input, or once closed.
     size_t read(unsigned char* buffer, size_t size);
+    // Lets the file go before its end: a file open for reading cannot be replaced on every
+    // platform, and the output may be about to replace it.
+    void close() noexcept;
     // How messages name the input: the file name, or "-".
     const String& name() const { return m_name; }
 
 private:
     String m_name;
+    bool m_standard;
     QNFILE m_file = QN_INVALID_FILE;
 };
 
@@ -37,6 +41,7 @@ public:
     ByteOutput(const ByteOutput&) = delete;
     ByteOutput& operator=(const ByteOutput&) = delete;
 
+    // IllegalStateException after commit().
     void write(const unsigned char* data, size_t size);
     // Flushes, closes, and puts the file in place of its target (replacing it).
     void commit();
@@ -46,6 +51,7 @@ private:
     void discard() noexcept;
 
     String m_name;
+    bool m_standard;
     String m_temporary;
     QNFILE m_file = QN_INVALID_FILE;
 };

@@ -15,6 +15,13 @@ namespace {
 constexpr size_t CHUNK = 256 * 1024;
 constexpr size_t MAX_KEY_BYTES = 56;
 
+#if defined(_WIN32)
+// A backslash separates the parts of a path here, so it is never escaped.
+constexpr bool ESCAPE_BACKSLASH = false;
+#else
+constexpr bool ESCAPE_BACKSLASH = true;
+#endif
+
 // A line as md5sum writes it: a name with a backslash or a line feed is escaped and the line
 // marked with a leading backslash, so that every name fits on one line and reads back.
 std::string md5Line(const unsigned char* digest, const std::string& name) {
@@ -22,7 +29,7 @@ std::string md5Line(const unsigned char* digest, const std::string& name) {
     std::string escaped;
     bool marked = false;
     for (char c : name) {
-        if (c == '\\' || c == '\n') {
+        if ((c == '\\' && ESCAPE_BACKSLASH) || c == '\n') {
             escaped += c == '\\' ? "\\\\" : "\\n";
             marked = true;
         } else {
@@ -141,6 +148,7 @@ int runBlowfish(const CommandLineParser& parser, const std::string& program) {
                 return EXIT_FAILED;
             }
         }
+        input.close();
         where = utf8(output.name());
         output.commit();
     } catch (const qn::Exception& e) {

@@ -4,6 +4,11 @@
 
 #include <vector>
 
+#if defined(_WIN32)
+#include <fcntl.h>
+#include <io.h>
+#endif
+
 #ifndef QNCL_TOOL_VERSION
 #error "the build defines QNCL_TOOL_VERSION"
 #endif
@@ -117,6 +122,9 @@ int guarded(const std::vector<String>& arguments) {
 #if defined(_WIN32)
 // The wide entry point sees file names in every script, not only the ANSI code page's.
 int wmain(int argc, wchar_t** argv) {
+    // Text leaves with line feeds alone, as on every other platform.
+    _setmode(_fileno(stdout), _O_BINARY);
+    _setmode(_fileno(stderr), _O_BINARY);
     std::vector<qn::String> arguments;
     for (int i = 1; i < argc; ++i)
         arguments.emplace_back(argv[i]);
