@@ -17,6 +17,8 @@
 
 namespace {
 
+#if defined(QNCL_TEST_OPENSSL)
+
 using Bytes = std::vector<unsigned char>;
 
 Bytes randomBytes(std::mt19937& random, size_t length) {
@@ -25,8 +27,6 @@ Bytes randomBytes(std::mt19937& random, size_t length) {
         b = static_cast<unsigned char>(random());
     return out;
 }
-
-#if defined(QNCL_TEST_OPENSSL)
 
 // Keys of every length from 1 to 57: beyond 56 bytes ours counts the first 56, so the 57-byte
 // key is compared with OpenSSL keyed with those 56.
