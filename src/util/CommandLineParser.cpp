@@ -251,8 +251,7 @@ CommandLineParser& CommandLineParser::addPositional(const String& name, const St
                                                     bool required, bool repeated) {
     auto& positionals = m_data->positionals;
     if (!positionals.empty() && positionals.back().repeated)
-        misdeclared(u"no positional argument can follow the repeated " +
-                    positionals.back().name);
+        misdeclared(u"no positional argument can follow the repeated " + positionals.back().name);
     if (required && !positionals.empty() && !positionals.back().required)
         misdeclared(u"required " + text(name) + u" cannot follow an optional argument");
     positionals.push_back({text(name), text(help), required, repeated});

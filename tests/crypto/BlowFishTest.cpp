@@ -179,8 +179,7 @@ TEST(BlowFishTest, PublishedEcbVectors) {
 
 // The variable-key set: the first n bytes of one key, n from 1 to 24, on one plaintext.
 TEST(BlowFishTest, PublishedVariableKeyVectors) {
-    const std::vector<unsigned char> key =
-        hex("F0E1D2C3B4A5968778695A4B3C2D1E0F0011223344556677");
+    const std::vector<unsigned char> key = hex("F0E1D2C3B4A5968778695A4B3C2D1E0F0011223344556677");
     const char* const CIPHERS[] = {
         "F9AD597C49DB005E", "E91D21C1D961A6D6", "E9C2B70A1BC65CF3", "BE1E639408640F05",
         "B39E44481BDB1E6E", "9457AA83B1928C0D", "8BB77032F960629D", "E87A244E2CC85E82",

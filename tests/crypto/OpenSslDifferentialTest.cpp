@@ -68,8 +68,7 @@ TEST(OpenSslDifferentialTest, MD5AgreesOnRandomMessagesAndPieces) {
         }
         unsigned char actual[16];
         ours.getDigest(actual, 16);
-        ASSERT_EQ(Bytes(actual, actual + 16), Bytes(expected, expected + 16))
-            << length << " bytes";
+        ASSERT_EQ(Bytes(actual, actual + 16), Bytes(expected, expected + 16)) << length << " bytes";
     }
 }
 

@@ -24,8 +24,8 @@ std::string ascii(const String& s) {
 struct Convert {
     CommandLineParser parser{String(u"conv"), String(u"Converts text.")};
     Convert() {
-        parser.addOption(u"from", u'f', u"source encoding", CommandLineParser::REQUIRED_VALUE,
-                         u"ENC")
+        parser
+            .addOption(u"from", u'f', u"source encoding", CommandLineParser::REQUIRED_VALUE, u"ENC")
             .addOption(u"to", u't', u"target encoding", CommandLineParser::REQUIRED_VALUE, u"ENC")
             .addOption(u"strict", 0, u"fail on unmappable input")
             .addOption(u"verbose", u'v', u"say more")
@@ -172,23 +172,22 @@ TEST(CommandLineParserTest, DeclarationMistakesAreRefused) {
 TEST(CommandLineParserTest, HelpIsGeneratedFromTheDeclarations) {
     Convert c;
     EXPECT_EQ(ascii(c.parser.getUsage()), "Usage: conv [OPTION]... [INPUT] [OUTPUT]");
-    EXPECT_EQ(ascii(c.parser.getHelp()),
-              "Usage: conv [OPTION]... [INPUT] [OUTPUT]\n"
-              "Converts text.\n"
-              "\n"
-              "Arguments:\n"
-              "  INPUT            file to read\n"
-              "  OUTPUT           file to write\n"
-              "\n"
-              "Options:\n"
-              "  -f, --from=ENC   source encoding\n"
-              "  -t, --to=ENC     target encoding\n"
-              "      --strict     fail on unmappable input\n"
-              "  -v, --verbose    say more\n"
-              "  -q               say less\n"
-              "  -l, --level[=N]  compression\n"
-              "  -e, --encrypt\n"
-              "      --encoding\n");
+    EXPECT_EQ(ascii(c.parser.getHelp()), "Usage: conv [OPTION]... [INPUT] [OUTPUT]\n"
+                                         "Converts text.\n"
+                                         "\n"
+                                         "Arguments:\n"
+                                         "  INPUT            file to read\n"
+                                         "  OUTPUT           file to write\n"
+                                         "\n"
+                                         "Options:\n"
+                                         "  -f, --from=ENC   source encoding\n"
+                                         "  -t, --to=ENC     target encoding\n"
+                                         "      --strict     fail on unmappable input\n"
+                                         "  -v, --verbose    say more\n"
+                                         "  -q               say less\n"
+                                         "  -l, --level[=N]  compression\n"
+                                         "  -e, --encrypt\n"
+                                         "      --encoding\n");
     CommandLineParser sum(u"sum");
     sum.addPositional(u"KEY", u"", true).addPositional(u"FILE", u"", false, true);
     EXPECT_EQ(ascii(sum.getHelp()), "Usage: sum KEY [FILE]...\n");

@@ -18,13 +18,14 @@ const QNWCHAR* path(const String& name) {
     return reinterpret_cast<const QNWCHAR*>(name.getData());
 }
 
-[[noreturn]] void fail(const char* doing, QNRESULT code) {
-    throw qn::ResultException(code, wide(std::string(doing) + ": " + describe(code)));
+// "NAME: cannot open: file not found (0x80070002)".
+[[noreturn]] void fail(const String& name, const char* doing, QNRESULT code) {
+    throw qn::ResultException(code, wide(utf8(name) + ": " + doing + ": " + describe(code)));
 }
 
-void check(const char* doing, QNRESULT code) {
+void check(const String& name, const char* doing, QNRESULT code) {
     if (QN_FAILED(code))
-        fail(doing, code);
+        fail(name, doing, code);
 }
 
 // Standard input and output carry bytes unchanged (Windows would otherwise translate line
@@ -66,7 +67,7 @@ ByteInput::ByteInput(const String& name)
         return;
     }
     QNFILE file = QN_INVALID_FILE;
-    check("cannot open", QNFileOpen(path(m_name), QN_FILE_READ, 0, &file));
+    check(m_name, "cannot open", QNFileOpen(path(m_name), QN_FILE_READ, 0, &file));
     m_file = file;
 }
 
@@ -84,13 +85,13 @@ size_t ByteInput::read(unsigned char* buffer, size_t size) {
     if (m_standard) {
         const size_t done = std::fread(buffer, 1, size, stdin);
         if (done == 0 && std::ferror(stdin))
-            fail("cannot read", lastError());
+            fail(m_name, "cannot read", lastError());
         return done;
     }
     if (m_file == QN_INVALID_FILE)
         return 0;
     uint32_t done = 0;
-    check("cannot read", QNFileRead(m_file, buffer, static_cast<uint32_t>(size), &done));
+    check(m_name, "cannot read", QNFileRead(m_file, buffer, static_cast<uint32_t>(size), &done));
     return done;
 }
 
@@ -101,8 +102,9 @@ ByteOutput::ByteOutput(const String& name)
         return;
     }
     std::random_device device;
-    std::mt19937 random(device() ^ static_cast<uint32_t>(
-                                       std::chrono::steady_clock::now().time_since_epoch().count()));
+    std::mt19937 random(
+        device() ^
+        static_cast<uint32_t>(std::chrono::steady_clock::now().time_since_epoch().count()));
     QNRESULT code = QN_E_FAIL;
     QNFILE file = QN_INVALID_FILE;
     for (int attempt = 0; attempt < 16; ++attempt) {
@@ -115,7 +117,7 @@ ByteOutput::ByteOutput(const String& name)
             break;
     }
     if (QN_FAILED(code))
-        fail("cannot create a file beside it", code);
+        fail(m_name, "cannot create a file beside it", code);
     m_file = file;
 }
 
@@ -134,7 +136,7 @@ void ByteOutput::discard() noexcept {
 void ByteOutput::write(const unsigned char* data, size_t size) {
     if (m_standard) {
         if (std::fwrite(data, 1, size, stdout) != size)
-            fail("cannot write", lastError());
+            fail(m_name, "cannot write", lastError());
         return;
     }
     if (m_file == QN_INVALID_FILE)
@@ -142,7 +144,7 @@ void ByteOutput::write(const unsigned char* data, size_t size) {
     while (size > 0) {
         const auto piece = static_cast<uint32_t>(size < (1u << 30) ? size : 1u << 30);
         uint32_t done = 0;
-        check("cannot write", QNFileWrite(m_file, data, piece, &done));
+        check(m_name, "cannot write", QNFileWrite(m_file, data, piece, &done));
         data += done;
         size -= done;
     }
@@ -151,7 +153,7 @@ void ByteOutput::write(const unsigned char* data, size_t size) {
 void ByteOutput::commit() {
     if (m_standard) {
         if (!flushOutput())
-            fail("cannot write", lastError());
+            fail(m_name, "cannot write", lastError());
         return;
     }
     if (m_file == QN_INVALID_FILE)
@@ -165,7 +167,7 @@ void ByteOutput::commit() {
         if (QN_FAILED(code))
             QNFileDelete(path(m_temporary));
     }
-    check("cannot write", code);
+    check(m_name, "cannot write", code);
 }
 
 } // namespace qncl

@@ -10,8 +10,8 @@
 
 namespace qncl {
 
-// Failures throw ResultException with the platform's code and a message that says what was
-// being done ("cannot open: file not found (0x80070002)").
+// Failures throw ResultException with the platform's code and a message that names the file and
+// says what was being done ("in.txt: cannot open: file not found (0x80070002)").
 class ByteInput {
 public:
     explicit ByteInput(const String& name);

@@ -5,6 +5,7 @@
 #include "qn/crypto/MD5Digest.h"
 
 #include <charconv>
+#include <cstring>
 #include <memory>
 #include <vector>
 
@@ -68,7 +69,7 @@ int runMd5(const CommandLineParser& parser, const std::string& program) {
             digest.getDigest(out, sizeof out);
             printOut(md5Line(out, utf8(input.name())));
         } catch (const qn::Exception& e) {
-            printError(program + ": " + utf8(name) + ": " + describe(e) + "\n");
+            printError(program + ": " + describe(e) + "\n");
             status = EXIT_FAILED;
         }
     }
@@ -111,15 +112,11 @@ int runBlowfish(const CommandLineParser& parser, const std::string& program) {
     const std::vector<unsigned char> key = parseKey(parser.getValue(u"key"));
     const qn::crypto::BlowFish cipher(key.data(), static_cast<int>(key.size()));
     const String inputName = parser.getPositionalCount() > 0 ? parser.getPositional(0) : String();
-    const String outputName =
-        parser.getPositionalCount() > 1 ? parser.getPositional(1) : String();
+    const String outputName = parser.getPositionalCount() > 1 ? parser.getPositional(1) : String();
 
-    std::string where = isStandardStream(inputName) ? "-" : utf8(inputName);
     try {
         ByteInput input(inputName);
-        where = isStandardStream(outputName) ? "-" : utf8(outputName);
         ByteOutput output(outputName);
-        where = utf8(input.name());
         std::unique_ptr<unsigned char[]> buffer(new unsigned char[CHUNK]);
         size_t held = 0;
         long long total = 0;
@@ -131,28 +128,24 @@ int runBlowfish(const CommandLineParser& parser, const std::string& program) {
                 cipher.encrypt(buffer.get(), buffer.get(), static_cast<long>(whole));
             else
                 cipher.decrypt(buffer.get(), buffer.get(), static_cast<long>(whole));
-            where = utf8(output.name());
             output.write(buffer.get(), whole);
-            where = utf8(input.name());
             held -= whole;
-            for (size_t i = 0; i < held; ++i)
-                buffer[i] = buffer[whole + i];
+            std::memmove(buffer.get(), buffer.get() + whole, held);
         }
         if (held != 0) {
             try {
                 // The cipher refuses the partial block with its own message.
                 cipher.encrypt(buffer.get(), buffer.get(), static_cast<long>(held));
             } catch (const qn::Exception& e) {
-                printError(program + ": " + where + ": " + describe(e) + " (input of " +
-                           std::to_string(total) + " bytes)\n");
+                printError(program + ": " + utf8(input.name()) + ": " + describe(e) +
+                           " (input of " + std::to_string(total) + " bytes)\n");
                 return EXIT_FAILED;
             }
         }
         input.close();
-        where = utf8(output.name());
         output.commit();
     } catch (const qn::Exception& e) {
-        printError(program + ": " + where + ": " + describe(e) + "\n");
+        printError(program + ": " + describe(e) + "\n");
         return EXIT_FAILED;
     }
     return EXIT_OK;

@@ -29,20 +29,16 @@ public:
     void encrypt(signed char* out, const signed char* in, long len) const;
     void decrypt(signed char* out, const signed char* in, long len) const;
     void encrypt(char* out, const char* in, long len) const {
-        encrypt(reinterpret_cast<signed char*>(out), reinterpret_cast<const signed char*>(in),
-                len);
+        encrypt(reinterpret_cast<signed char*>(out), reinterpret_cast<const signed char*>(in), len);
     }
     void decrypt(char* out, const char* in, long len) const {
-        decrypt(reinterpret_cast<signed char*>(out), reinterpret_cast<const signed char*>(in),
-                len);
+        decrypt(reinterpret_cast<signed char*>(out), reinterpret_cast<const signed char*>(in), len);
     }
     void encrypt(unsigned char* out, const unsigned char* in, long len) const {
-        encrypt(reinterpret_cast<signed char*>(out), reinterpret_cast<const signed char*>(in),
-                len);
+        encrypt(reinterpret_cast<signed char*>(out), reinterpret_cast<const signed char*>(in), len);
     }
     void decrypt(unsigned char* out, const unsigned char* in, long len) const {
-        decrypt(reinterpret_cast<signed char*>(out), reinterpret_cast<const signed char*>(in),
-                len);
+        decrypt(reinterpret_cast<signed char*>(out), reinterpret_cast<const signed char*>(in), len);
     }
 
 protected:

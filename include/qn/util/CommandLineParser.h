@@ -62,8 +62,8 @@ public:
     // Declares the next positional argument as the help shows it ("INPUT"). Required ones must
     // all be present after parsing; a repeated one takes every argument left and must be the
     // last declared. Arguments beyond the declared ones are refused with "extra operand".
-    CommandLineParser& addPositional(const String& name, const String& help,
-                                     bool required = false, bool repeated = false);
+    CommandLineParser& addPositional(const String& name, const String& help, bool required = false,
+                                     bool repeated = false);
     // Replaces the generated synopsis that follows the program's name in the usage line.
     CommandLineParser& setUsage(const String& synopsis);
     // With stop on, options end at the first positional argument (see above).
