@@ -33,7 +33,7 @@ struct Option {
     std::vector<Text> values;
 
     Text key() const { return longName.empty() ? Text(1, shortName) : longName; }
-    Text shown() const { return longName.empty() ? u"-" + Text(1, shortName) : u"--" + longName; }
+    Text shown() const { return (longName.empty() ? Text(u"-") + shortName : u"--" + longName); }
 };
 
 struct Positional {
@@ -130,7 +130,7 @@ struct CommandLineParser::Data {
         for (size_t i = 1; i < argument.size(); ++i) {
             Option* o = findShort(argument[i]);
             if (!o)
-                refuse(u"invalid option -- '" + argument.substr(i, 1) + u"'");
+                refuse(Text(u"invalid option -- '") + argument[i] + u"'");
             if (o->mode == NO_VALUE) {
                 take(*o, nullptr);
                 continue;
@@ -140,7 +140,7 @@ struct CommandLineParser::Data {
                 take(*o, &value);
             } else if (o->mode == REQUIRED_VALUE) {
                 if (next >= all.size())
-                    refuse(u"option requires an argument -- '" + argument.substr(i, 1) + u"'");
+                    refuse(Text(u"option requires an argument -- '") + argument[i] + u"'");
                 take(*o, &all[next++]);
             } else {
                 take(*o, nullptr);
@@ -175,7 +175,7 @@ struct CommandLineParser::Data {
     }
 
     static Text optionColumn(const Option& o) {
-        Text left = o.shortName ? u"  -" + Text(1, o.shortName) : Text(u"    ");
+        Text left = o.shortName ? Text(u"  -") + o.shortName : Text(u"    ");
         if (!o.longName.empty())
             left += (o.shortName ? u", --" : u"  --") + o.longName;
         if (o.mode == NO_VALUE)
@@ -210,7 +210,7 @@ Text table(const Text& heading, const Rows& rows, size_t column) {
         out += left;
         if (!help.empty()) {
             if (left.size() + 2 > column)
-                out += u"\n" + Text(column, u' ');
+                out.append(u"\n").append(column, u' ');
             else
                 out += Text(column - left.size(), u' ');
             out += help;
@@ -253,7 +253,7 @@ CommandLineParser& CommandLineParser::addPositional(const String& name, const St
     if (!positionals.empty() && positionals.back().repeated)
         misdeclared(u"no positional argument can follow the repeated " + positionals.back().name);
     if (required && !positionals.empty() && !positionals.back().required)
-        misdeclared(u"required " + text(name) + u" cannot follow an optional argument");
+        misdeclared(Text(u"required ") + text(name) + u" cannot follow an optional argument");
     positionals.push_back({text(name), text(help), required, repeated});
     return *this;
 }

@@ -56,7 +56,7 @@ std::string describe(QNRESULT code) {
     for (const Known& k : KNOWN)
         if (k.code == static_cast<uint32_t>(code))
             return std::string(k.text) + " (" + hexCode(code) + ")";
-    return "error " + hexCode(code);
+    return std::string("error ") + hexCode(code);
 }
 
 std::string describe(const qn::Exception& e) {
