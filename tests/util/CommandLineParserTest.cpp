@@ -4,7 +4,6 @@
 
 #include <gtest/gtest.h>
 
-#include <initializer_list>
 #include <string>
 #include <vector>
 
@@ -36,11 +35,11 @@ struct Convert {
             .addPositional(u"INPUT", u"file to read", false)
             .addPositional(u"OUTPUT", u"file to write", false);
     }
-    void parse(std::initializer_list<const char16_t*> arguments) {
+    void parse(const std::vector<const char16_t*>& arguments) {
         std::vector<String> all(arguments.begin(), arguments.end());
         parser.parse(static_cast<int32_t>(all.size()), all.data());
     }
-    std::string error(std::initializer_list<const char16_t*> arguments) {
+    std::string error(const std::vector<const char16_t*>& arguments) {
         try {
             parse(arguments);
         } catch (const ResultException& e) {
@@ -52,7 +51,7 @@ struct Convert {
 };
 
 TEST(CommandLineParserTest, ValuesInEveryForm) {
-    const std::vector<std::initializer_list<const char16_t*>> FORMS = {
+    const std::vector<std::vector<const char16_t*>> FORMS = {
         {u"--from", u"CP1252", u"--to=UTF-8"},
         {u"-f", u"CP1252", u"-tUTF-8"},
         {u"-fCP1252", u"--to", u"UTF-8"},
@@ -121,7 +120,7 @@ TEST(CommandLineParserTest, PositionalsMixedWithOptionsAndAfterDoubleDash) {
 
 TEST(CommandLineParserTest, ErrorsNameTheOffendingArgument) {
     struct Case {
-        std::initializer_list<const char16_t*> arguments;
+        std::vector<const char16_t*> arguments;
         const char* message;
     };
     const Case CASES[] = {
