@@ -1,4 +1,5 @@
 #include "qn/crypto/BlowFish.h"
+#include "crypto/HexText.h"
 
 #include "qn/core/Exception.h"
 
@@ -33,13 +34,7 @@ std::vector<unsigned char> hex(const char* text) {
 }
 
 std::string hexOf(const unsigned char* data, size_t length) {
-    static const char DIGITS[] = "0123456789ABCDEF";
-    std::string out;
-    for (size_t i = 0; i < length; ++i) {
-        out += DIGITS[data[i] >> 4];
-        out += DIGITS[data[i] & 15];
-    }
-    return out;
+    return hexText(data, length, "0123456789ABCDEF");
 }
 
 std::string encryptHex(const BlowFish& cipher, const char* plainHex) {

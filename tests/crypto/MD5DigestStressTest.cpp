@@ -1,8 +1,8 @@
+#include "crypto/HexText.h"
 #include "qn/crypto/MD5Digest.h"
 
 #include <gtest/gtest.h>
 
-#include <string>
 #include <vector>
 
 namespace {
@@ -17,13 +17,7 @@ TEST(MD5DigestStressTest, BitCountCarriesIntoItsHighWord) {
     digest.update("a", 1);
     unsigned char out[16];
     digest.getDigest(out, 16);
-    static const char DIGITS[] = "0123456789abcdef";
-    std::string text;
-    for (unsigned char c : out) {
-        text += DIGITS[c >> 4];
-        text += DIGITS[c & 15];
-    }
-    EXPECT_EQ(text, "a79eb9bfb583692856d38e44324fde91");
+    EXPECT_EQ(hexText(out, 16), "a79eb9bfb583692856d38e44324fde91");
 }
 
 } // namespace

@@ -1,4 +1,5 @@
 #include "qn/crypto/MD5Digest.h"
+#include "crypto/HexText.h"
 
 #include "qn/core/Exception.h"
 
@@ -17,13 +18,7 @@ namespace {
 std::string finish(MessageDigest& digest) {
     unsigned char out[16];
     digest.getDigest(out, 16);
-    static const char DIGITS[] = "0123456789abcdef";
-    std::string text;
-    for (unsigned char c : out) {
-        text += DIGITS[c >> 4];
-        text += DIGITS[c & 15];
-    }
-    return text;
+    return hexText(out, 16);
 }
 
 std::string md5(const std::string& message) {
