@@ -39,9 +39,8 @@ std::string toolHelp(const CommandLineParser& parser) {
         name.resize(14, ' ');
         help += name + utf8(String((*c)->summary)) + "\n";
     }
-    return help + "\nEvery command reads standard input and writes standard output when INPUT or "
-                  "OUTPUT is absent or \"-\".\nExit status: 0 success, 1 the data could not be "
-                  "processed, 2 a usage error.\n";
+    return help + "\nAn INPUT or OUTPUT that is absent or \"-\" is standard input or output.\n"
+                  "Exit status: 0 success, 1 the data could not be processed, 2 a usage error.\n";
 }
 
 int runCommand(const Command& command, const std::vector<String>& arguments) {
@@ -73,11 +72,6 @@ int run(const std::vector<String>& arguments) {
         .addPositional(u"COMMAND", u"", true, true)
         .setUsage(u"[--help | --version] COMMAND [ARGUMENT]...\n       qncl COMMAND --help")
         .setStopAtPositional(true);
-    if (arguments.empty()) {
-        printError(std::string(TOOL) + ": missing COMMAND operand\nTry 'qncl --help' for more "
-                                       "information.\n");
-        return EXIT_USAGE;
-    }
     try {
         parser.parse(static_cast<int32_t>(arguments.size()), arguments.data());
     } catch (const qn::Exception& e) {
