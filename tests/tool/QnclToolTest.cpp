@@ -1,0 +1,268 @@
+// The qncl tool as a user runs it: the built program is started through the command
+// interpreter with its standard streams redirected to files, and its output, messages, exit
+// status and the files it leaves are checked.
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <sstream>
+#include <string>
+#include <vector>
+
+#if !defined(_WIN32)
+#include <sys/wait.h>
+#endif
+
+#ifndef QNCL_TOOL_PATH
+#error "the build defines QNCL_TOOL_PATH, the built qncl program"
+#endif
+
+namespace fs = std::filesystem;
+
+namespace {
+
+struct Result {
+    int status;
+    std::string out;
+    std::string err;
+};
+
+std::string readFile(const fs::path& path) {
+    std::ifstream in(path, std::ios::binary);
+    std::ostringstream text;
+    text << in.rdbuf();
+    return text.str();
+}
+
+void writeFile(const fs::path& path, const std::string& bytes) {
+    std::ofstream(path, std::ios::binary) << bytes;
+}
+
+std::string quote(const std::string& s) {
+    return "\"" + s + "\"";
+}
+
+std::string tool() {
+    std::string path = QNCL_TOOL_PATH;
+#if defined(_WIN32)
+    // A Windows build tested under Wine was given the program's path on the Linux side; Wine
+    // shows the Linux root as drive Z:.
+    if (!path.empty() && path[0] == '/')
+        path = "Z:" + path;
+    for (char& c : path)
+        if (c == '/')
+            c = '\\';
+#endif
+    return path;
+}
+
+class QnclToolTest : public ::testing::Test {
+protected:
+    void SetUp() override {
+        const auto* info = ::testing::UnitTest::GetInstance()->current_test_info();
+        m_dir = fs::temp_directory_path() / (std::string("qncl_tool_test_") + info->name());
+        fs::remove_all(m_dir);
+        fs::create_directories(m_dir);
+    }
+    void TearDown() override { fs::remove_all(m_dir); }
+
+    fs::path file(const std::string& name) const { return m_dir / name; }
+    std::string arg(const std::string& name) const { return quote(file(name).string()); }
+
+    // Runs "qncl ARGUMENTS" with standard input from the bytes given.
+    Result qncl(const std::string& arguments, const std::string& input = std::string()) {
+        writeFile(file("stdin"), input);
+        std::string command = quote(tool()) + " " + arguments + " <" + arg("stdin") + " >" +
+                              arg("stdout") + " 2>" + arg("stderr");
+#if defined(_WIN32)
+        // cmd.exe drops the first and the last quote of a line that begins with one.
+        command = "\"" + command + "\"";
+#endif
+        int status = std::system(command.c_str());
+#if !defined(_WIN32)
+        status = WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+#endif
+        Result run{status, readFile(file("stdout")), readFile(file("stderr"))};
+        for (const char* name : {"stdin", "stdout", "stderr"})
+            fs::remove(file(name));
+        return run;
+    }
+
+    // Everything in the test's directory, to see that no temporary file is left behind.
+    std::vector<std::string> entries() const {
+        std::vector<std::string> names;
+        for (const auto& entry : fs::directory_iterator(m_dir))
+            names.push_back(entry.path().filename().string());
+        std::sort(names.begin(), names.end());
+        return names;
+    }
+
+    fs::path m_dir;
+};
+
+bool contains(const std::string& text, const std::string& part) {
+    return text.find(part) != std::string::npos;
+}
+
+bool startsWith(const std::string& text, const std::string& prefix) {
+    return text.compare(0, prefix.size(), prefix) == 0;
+}
+
+TEST_F(QnclToolTest, Md5PrintsLinesAsMd5sumDoes) {
+    writeFile(file("abc.txt"), "abc");
+    writeFile(file("empty"), "");
+    Result r = qncl("md5 " + arg("abc.txt") + " - " + arg("empty"), "message digest");
+    EXPECT_EQ(r.status, 0) << r.err;
+    EXPECT_EQ(r.out, "900150983cd24fb0d6963f7d28e17f72  " + file("abc.txt").string() + "\n" +
+                         "f96b697d7cb7938d525a2f31aaf161d0  -\n" +
+                         "d41d8cd98f00b204e9800998ecf8427e  " + file("empty").string() + "\n");
+    EXPECT_EQ(r.err, "");
+
+    r = qncl("md5", "abc");
+    EXPECT_EQ(r.out, "900150983cd24fb0d6963f7d28e17f72  -\n");
+    EXPECT_EQ(r.status, 0);
+}
+
+TEST_F(QnclToolTest, Md5GoesOnPastAFileItCannotRead) {
+    writeFile(file("a"), "a");
+    Result r = qncl("md5 " + arg("missing") + " " + arg("a"));
+    EXPECT_EQ(r.status, 1);
+    EXPECT_EQ(r.out, "0cc175b9c0f1b6a831c399e269772661  " + file("a").string() + "\n");
+    EXPECT_TRUE(contains(r.err, "qncl md5: " + file("missing").string() + ": cannot open: "))
+        << r.err;
+    EXPECT_TRUE(contains(r.err, "0x80070002")) << r.err;
+}
+
+#if !defined(_WIN32)
+TEST_F(QnclToolTest, Md5EscapesBackslashesAndLineFeedsInNames) {
+    writeFile(file("a\\b\nc"), "abc");
+    Result r = qncl("md5 " + arg("a\\b\nc"));
+    EXPECT_EQ(r.out, "\\900150983cd24fb0d6963f7d28e17f72  " + file("").string() + "a\\\\b\\nc\n");
+}
+#endif
+
+TEST_F(QnclToolTest, BlowfishEnciphersAndDeciphers) {
+    const std::string plain("\x11\x11\x11\x11\x11\x11\x11\x11", 8);
+    Result r = qncl("blowfish --encrypt --key 0123456789ABCDEF", plain);
+    EXPECT_EQ(r.status, 0) << r.err;
+    EXPECT_EQ(r.out, std::string("\x61\xF9\xC3\x80\x22\x81\xB0\x96", 8));
+
+    std::string data;
+    for (int i = 0; i < 4000; ++i)
+        data += static_cast<char>(i * 7 + i / 256);
+    writeFile(file("plain"), data);
+    r = qncl("blowfish -e -k00ff " + arg("plain") + " " + arg("cipher"));
+    ASSERT_EQ(r.status, 0) << r.err;
+    EXPECT_EQ(r.out, "");
+    EXPECT_NE(readFile(file("cipher")), data);
+    // Deciphering over an existing file replaces it; a file may be its own output.
+    writeFile(file("again"), "old contents");
+    r = qncl("blowfish --decrypt --key=00FF " + arg("cipher") + " " + arg("again"));
+    ASSERT_EQ(r.status, 0) << r.err;
+    EXPECT_EQ(readFile(file("again")), data);
+    r = qncl("blowfish -d -k 00ff " + arg("cipher") + " " + arg("cipher"));
+    ASSERT_EQ(r.status, 0) << r.err;
+    EXPECT_EQ(readFile(file("cipher")), data);
+    EXPECT_EQ(entries(), (std::vector<std::string>{"again", "cipher", "plain"}));
+}
+
+TEST_F(QnclToolTest, FailedRunLeavesTheOutputFileAsItWas) {
+    writeFile(file("odd"), std::string(8 * 40000 + 5, 'x'));
+    writeFile(file("target"), "keep me");
+    Result r = qncl("blowfish -e -k 01 " + arg("odd") + " " + arg("target"));
+    EXPECT_EQ(r.status, 1);
+    EXPECT_TRUE(contains(r.err, "qncl blowfish: " + file("odd").string() +
+                                    ": only supports 8 byte block boundaries (input of 320005 "
+                                    "bytes)"))
+        << r.err;
+    EXPECT_EQ(readFile(file("target")), "keep me");
+    EXPECT_EQ(entries(), (std::vector<std::string>{"odd", "target"}));
+
+    r = qncl("blowfish -e -k 01 " + arg("missing") + " " + arg("target"));
+    EXPECT_EQ(r.status, 1);
+    EXPECT_TRUE(contains(r.err, file("missing").string() + ": cannot open")) << r.err;
+    EXPECT_EQ(readFile(file("target")), "keep me");
+
+    writeFile(file("whole"), "12345678");
+    r = qncl("blowfish -e -k 01 " + arg("whole") + " " + quote((m_dir / "no" / "out").string()));
+    EXPECT_EQ(r.status, 1);
+    EXPECT_TRUE(contains(r.err, (m_dir / "no" / "out").string() + ": cannot create")) << r.err;
+}
+
+TEST_F(QnclToolTest, UsageErrorsExitWithTwoAndAHint) {
+    struct Case {
+        const char* arguments;
+        const char* message;
+    };
+    const Case CASES[] = {
+        {"", "qncl: missing COMMAND operand\nTry 'qncl --help' for more information.\n"},
+        {"frobnicate", "qncl: unknown command 'frobnicate'\nTry 'qncl --help'"},
+        {"--frob", "qncl: unrecognized option '--frob'\n"},
+        {"md5 --binary", "qncl md5: unrecognized option '--binary'\nTry 'qncl md5 --help'"},
+        {"blowfish -k 00", "qncl blowfish: give one of --encrypt and --decrypt\n"},
+        {"blowfish -e -d -k 00", "qncl blowfish: give one of --encrypt and --decrypt\n"},
+        {"blowfish -e", "qncl blowfish: missing --key\n"},
+        {"blowfish -e --key", "qncl blowfish: option '--key' requires an argument\n"},
+        {"blowfish -e -k 123", "qncl blowfish: invalid key '123': an odd number"},
+        {"blowfish -e -k 12zz", "qncl blowfish: invalid key '12zz': not hexadecimal"},
+        {"blowfish -e -k 00 a b c", "qncl blowfish: extra operand 'c'\n"},
+        {"classes extra", "qncl classes: extra operand 'extra'\n"},
+    };
+    for (const Case& c : CASES) {
+        const Result r = qncl(c.arguments);
+        EXPECT_EQ(r.status, 2) << c.arguments;
+        EXPECT_EQ(r.out, "") << c.arguments;
+        EXPECT_TRUE(startsWith(r.err, c.message)) << c.arguments << ": " << r.err;
+    }
+    const Result longKey = qncl("blowfish -e -k " + std::string(114, 'a'));
+    EXPECT_EQ(longKey.status, 2);
+    EXPECT_TRUE(contains(longKey.err, "longer than 56 bytes")) << longKey.err;
+}
+
+TEST_F(QnclToolTest, HelpAndVersion) {
+    Result r = qncl("--help");
+    EXPECT_EQ(r.status, 0);
+    EXPECT_TRUE(startsWith(r.out, "Usage: qncl ")) << r.out;
+    for (const char* command : {"\n  md5 ", "\n  blowfish ", "\n  classes "})
+        EXPECT_TRUE(contains(r.out, command)) << command;
+
+    r = qncl("blowfish --help");
+    EXPECT_EQ(r.status, 0);
+    EXPECT_TRUE(startsWith(
+        r.out, "Usage: qncl blowfish (--encrypt | --decrypt) --key HEX [INPUT [OUTPUT]]\n"))
+        << r.out;
+    EXPECT_TRUE(contains(r.out, "  -k, --key=HEX")) << r.out;
+    r = qncl("md5 -h");
+    EXPECT_TRUE(startsWith(r.out, "Usage: qncl md5 [OPTION]... [FILE]...\n")) << r.out;
+
+    r = qncl("--version");
+    EXPECT_EQ(r.status, 0);
+    EXPECT_TRUE(startsWith(r.out, "qncl ")) << r.out;
+}
+
+TEST_F(QnclToolTest, ClassesListsTheRegistryInNameOrder) {
+    const Result r = qncl("classes");
+    EXPECT_EQ(r.status, 0) << r.err;
+    std::vector<std::string> lines;
+    std::istringstream in(r.out);
+    for (std::string line; std::getline(in, line);)
+        lines.push_back(line);
+    ASSERT_FALSE(lines.empty());
+    EXPECT_TRUE(std::is_sorted(lines.begin(), lines.end()));
+    for (const std::string& line : lines) {
+        const size_t tab = line.find('\t');
+        ASSERT_NE(tab, std::string::npos) << line;
+        const std::string answer = line.substr(tab + 1);
+        EXPECT_TRUE(answer == "yes" || answer == "no") << line;
+    }
+    const auto has = [&](const char* line) {
+        return std::find(lines.begin(), lines.end(), line) != lines.end();
+    };
+    EXPECT_TRUE(has("CQNObject\tyes"));
+    EXPECT_TRUE(has("qn::Class\tno"));
+    EXPECT_TRUE(has("qn::IntDivByZeroException\tyes"));
+}
+
+} // namespace
