@@ -109,6 +109,12 @@ size_t ClassManagerBase::size() const noexcept {
     return m_data->byName.size();
 }
 
+void ClassManagerBase::forEachImpl(VisitFn visit, void* context) const {
+    for (const auto& entry : m_data->byName)
+        if (!visit(context, *entry.second))
+            return;
+}
+
 ClassManagerBase& classRegistry() {
     return *Registry::getInstance();
 }

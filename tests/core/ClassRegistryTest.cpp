@@ -44,6 +44,22 @@ TEST(ClassRegistry, FirstRegistrationOfANameWins) {
     EXPECT_THROW(registry.lookupType(typeid(Derived)), ClassNotFoundException);
 }
 
+TEST(ClassRegistry, WalksNamesInOrdinalOrderUntilTheVisitorStops) {
+    ClassManagerBase registry;
+    registry.registerClass(u"b", typeid(Base), nullptr);
+    registry.registerClass(u"B", typeid(Derived), nullptr);
+    registry.registerClass(u"a", typeid(int), nullptr);
+    std::u16string order;
+    registry.forEach([&order](const Class& c) {
+        order += c.getName();
+        return true;
+    });
+    EXPECT_EQ(order, u"Bab"); // ordinal: upper case before lower case
+    int visited = 0;
+    registry.forEach([&visited](const Class&) { return ++visited < 2; });
+    EXPECT_EQ(visited, 2);
+}
+
 TEST(ClassRegistry, NamesAreExactCaseAndMissesNameTheKey) {
     ClassManagerBase registry;
     registry.registerClass(u"Test::Base", typeid(Base), nullptr);

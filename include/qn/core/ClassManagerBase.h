@@ -20,8 +20,18 @@ public:
     const Class* lookupName(const char16_t* name) const;
     const Class* lookupType(const std::type_info& type) const;
     size_t size() const noexcept;
+    // Calls visit for every descriptor in name order until it returns false.
+    template <class Visit> void forEach(Visit visit) const {
+        forEachImpl(&invokeVisit<Visit>, &visit);
+    }
 
 private:
+    using VisitFn = bool (*)(void*, const Class&);
+    template <class Visit> static bool invokeVisit(void* visit, const Class& c) {
+        return (*static_cast<Visit*>(visit))(c);
+    }
+    void forEachImpl(VisitFn visit, void* context) const;
+
     struct Data;
     Data* m_data;
 };
