@@ -1,0 +1,135 @@
+#include "qn/io/DataInputStream.h"
+#include "qn/io/DataOutputStream.h"
+
+#include "StreamSupport.h"
+
+#include <cstring>
+
+namespace qn::io {
+
+namespace {
+
+// Consecutive empty reads readFully accepts before it gives up on the wrapped stream.
+constexpr int MAX_IDLE_READS = 1024;
+
+template <class To, class From> To bitsOf(From v) {
+    static_assert(sizeof(To) == sizeof(From));
+    To to;
+    std::memcpy(&to, &v, sizeof to);
+    return to;
+}
+
+} // namespace
+
+DataInputStream::DataInputStream(InputStream* in) : FilterInputStream(in) {}
+DataInputStream::~DataInputStream() = default;
+
+void DataInputStream::readFully(signed char* buf, long len) {
+    checkBuffer(buf, len);
+    int idle = 0;
+    for (long done = 0; done < len;) {
+        const long n = m_in->read(buf + done, len - done);
+        if (n < 0)
+            throw UnexpectedEOFException();
+        if (n == 0 && ++idle >= MAX_IDLE_READS)
+            throw TimeoutException(u"no progress");
+        if (n > 0)
+            idle = 0;
+        done += n;
+    }
+}
+
+bool DataInputStream::readBool() {
+    return readByte() != 0;
+}
+
+signed char DataInputStream::readByte() {
+    const int b = m_in->read();
+    if (b < 0)
+        throw UnexpectedEOFException();
+    return static_cast<signed char>(b);
+}
+
+int16_t DataInputStream::readInt16() {
+    // Both bytes are read before the check, so a lone last byte is consumed.
+    const int b0 = m_in->read();
+    const int b1 = m_in->read();
+    if (b0 < 0 || b1 < 0)
+        throw UnexpectedEOFException();
+    return static_cast<int16_t>(static_cast<uint16_t>((b0 << 8) | b1));
+}
+
+int32_t DataInputStream::readInt32() {
+    const int b0 = m_in->read();
+    const int b1 = m_in->read();
+    const int b2 = m_in->read();
+    const int b3 = m_in->read();
+    if ((b0 | b1 | b2 | b3) < 0)
+        throw UnexpectedEOFException();
+    return static_cast<int32_t>(static_cast<uint32_t>(b0) << 24 | static_cast<uint32_t>(b1) << 16 |
+                                static_cast<uint32_t>(b2) << 8 | static_cast<uint32_t>(b3));
+}
+
+int64_t DataInputStream::readInt64() {
+    const int32_t high = readInt32();
+    const int32_t low = readInt32();
+    // The low word is sign-extended before it is or-ed in.
+    return static_cast<int64_t>(static_cast<uint64_t>(static_cast<uint32_t>(high)) << 32 |
+                                static_cast<uint64_t>(static_cast<int64_t>(low)));
+}
+
+char16_t DataInputStream::readChar16() {
+    return static_cast<char16_t>(readInt16());
+}
+uint32_t DataInputStream::readChar32() {
+    return static_cast<uint32_t>(readInt32());
+}
+float DataInputStream::readFloat() {
+    return bitsOf<float>(readInt32());
+}
+double DataInputStream::readDouble() {
+    return bitsOf<double>(readInt64());
+}
+String DataInputStream::readString() {
+    return String();
+}
+
+DataOutputStream::DataOutputStream(OutputStream* out) : FilterOutputStream(out) {}
+DataOutputStream::~DataOutputStream() = default;
+
+void DataOutputStream::writeBool(bool v) {
+    m_out->write(static_cast<signed char>(v ? 1 : 0));
+}
+void DataOutputStream::writeByte(signed char v) {
+    m_out->write(v);
+}
+void DataOutputStream::writeInt16(short v) {
+    const auto u = static_cast<uint16_t>(v);
+    m_out->write(static_cast<signed char>(u >> 8));
+    m_out->write(static_cast<signed char>(u));
+}
+void DataOutputStream::writeInt32(int v) {
+    const auto u = static_cast<uint32_t>(v);
+    for (int shift = 24; shift >= 0; shift -= 8)
+        m_out->write(static_cast<signed char>(u >> shift));
+}
+void DataOutputStream::writeInt64(int64_t v) {
+    const auto u = static_cast<uint64_t>(v);
+    writeInt32(static_cast<int>(static_cast<uint32_t>(u >> 32)));
+    writeInt32(static_cast<int>(static_cast<uint32_t>(u)));
+}
+void DataOutputStream::writeChar16(char16_t v) {
+    writeInt16(static_cast<short>(v));
+}
+void DataOutputStream::writeChar32(unsigned int v) {
+    writeInt32(static_cast<int>(v));
+}
+void DataOutputStream::writeFloat(float v) {
+    writeInt32(bitsOf<int32_t>(v));
+}
+void DataOutputStream::writeDouble(double v) {
+    writeInt64(bitsOf<int64_t>(v));
+}
+void DataOutputStream::writeString(const String&) {}
+
+} // namespace qn::io
