@@ -103,7 +103,8 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* input, size_t size) {
         case 2: { // skip(n)
             const long n = arg - 1;
             const long skipped = in->skip(n);
-            check(skipped == static_cast<long>(std::min<size_t>(static_cast<size_t>(n), model.remaining())));
+            check(skipped ==
+                  static_cast<long>(std::min<size_t>(static_cast<size_t>(n), model.remaining())));
             model.pos += static_cast<size_t>(skipped);
             break;
         }
@@ -120,8 +121,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* input, size_t size) {
             } catch (const IoException&) {
                 // Refused without a mark, or once the limit was read past it (a refill at the
                 // end of the data invalidates a mark with exactly the limit read).
-                check(model.mark < 0 ||
-                      static_cast<long>(model.pos) - model.mark >= model.limit);
+                check(model.mark < 0 || static_cast<long>(model.pos) - model.mark >= model.limit);
             }
             break;
         }

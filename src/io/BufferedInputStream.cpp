@@ -12,8 +12,8 @@ constexpr long MIN_BUFFER = 16;
 }
 
 BufferedInputStream::BufferedInputStream(InputStream* in, long size)
-    : m_in(checkStream(in)), m_size(std::max(size, MIN_BUFFER)),
-      m_buffer(new signed char[m_size]) {}
+    : m_in(checkStream(in)), m_size(std::max(size, MIN_BUFFER)), m_buffer(new signed char[m_size]) {
+}
 
 BufferedInputStream::~BufferedInputStream() = default;
 
@@ -33,8 +33,7 @@ void BufferedInputStream::fillBuffer() {
                 m_buffer = std::move(grown);
                 m_size = m_markLimit;
             } else {
-                std::memmove(m_buffer.get(), m_buffer.get() + m_markPos,
-                             static_cast<size_t>(kept));
+                std::memmove(m_buffer.get(), m_buffer.get() + m_markPos, static_cast<size_t>(kept));
             }
             m_markPos = 0;
             m_pos = m_count = kept;

@@ -19,8 +19,8 @@ constexpr uint32_t READ_ACCESS = 0x80000000u;
 
 QNFILE openFile(const String& path, uint32_t access) {
     QNFILE handle = QN_INVALID_FILE;
-    check(QNFileOpen(reinterpret_cast<const QNWCHAR*>(path.getData()), access, PERMISSION,
-                     &handle));
+    check(
+        QNFileOpen(reinterpret_cast<const QNWCHAR*>(path.getData()), access, PERMISSION, &handle));
     return handle;
 }
 
@@ -150,7 +150,8 @@ void FileOutputStream::open() {
 void FileOutputStream::writeAll(const signed char* buf, long len) {
     while (len > 0) {
         uint32_t done = 0;
-        const QNRESULT r = QNFileWrite(m_handle, buf, static_cast<uint32_t>(len < MAX_PIECE ? len : MAX_PIECE), &done);
+        const QNRESULT r = QNFileWrite(
+            m_handle, buf, static_cast<uint32_t>(len < MAX_PIECE ? len : MAX_PIECE), &done);
         check(r);
         if (done == 0)
             throw ResultException(QN_E_FAIL);

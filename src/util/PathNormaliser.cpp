@@ -31,7 +31,9 @@ int32_t nextSeparator(const String& path, int32_t i, Style style) {
 String rootOf(const String& path, Style style, int32_t* rest) {
     const int32_t length = path.getLength();
     const char16_t sep = PathNormaliser::separator(style);
-    auto isSep = [&](int32_t i) { return i < length && PathNormaliser::isSeparator(path[i], style); };
+    auto isSep = [&](int32_t i) {
+        return i < length && PathNormaliser::isSeparator(path[i], style);
+    };
     *rest = 0;
     if (style == PathNormaliser::POSIX_STYLE) {
         if (!isSep(0))

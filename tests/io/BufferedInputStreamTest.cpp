@@ -10,11 +10,6 @@ using namespace qntest;
 
 namespace {
 
-std::u16string messageOf(const Exception& e) {
-    const String s = e.getDescription();
-    return std::u16string(s.getData(), static_cast<size_t>(s.getLength()));
-}
-
 // Reads n bytes with read() and returns them.
 Bytes readBytes(BufferedInputStream& in, int n) {
     Bytes out;
@@ -32,7 +27,8 @@ Bytes slice(const Bytes& b, size_t from, size_t n) {
 TEST(BufferedInputStream, SizesBelowTheFloorBecomeSixteen) {
     const std::pair<long, long> sizes[] = {{-5, 16}, {0, 16}, {1, 16}, {16, 16}, {17, 17}};
     for (const auto& [asked, got] : sizes) {
-        Reference<BufferedInputStream> in = new BufferedInputStream(new ScriptedInputStream({}), asked);
+        Reference<BufferedInputStream> in =
+            new BufferedInputStream(new ScriptedInputStream({}), asked);
         EXPECT_EQ(in->getBufferSize(), got) << asked;
     }
     EXPECT_THROW(BufferedInputStream(nullptr, 16), ResultException);
@@ -55,7 +51,8 @@ TEST(BufferedInputStream, MarkLimitDecidesAtTheRefill) {
     // Marked at 13, three bytes are kept at the refill (below the limit of 4): reset works and
     // the same bytes come again, also after the refill moved them to the buffer's start.
     {
-        Reference<BufferedInputStream> in = new BufferedInputStream(new ScriptedInputStream(data), 16);
+        Reference<BufferedInputStream> in =
+            new BufferedInputStream(new ScriptedInputStream(data), 16);
         readBytes(*in, 13);
         in->mark(4);
         EXPECT_EQ(readBytes(*in, 5), slice(data, 13, 5));
@@ -64,7 +61,8 @@ TEST(BufferedInputStream, MarkLimitDecidesAtTheRefill) {
     }
     // Marked at 12, four bytes would have to be kept: the mark is gone, reading goes on.
     {
-        Reference<BufferedInputStream> in = new BufferedInputStream(new ScriptedInputStream(data), 16);
+        Reference<BufferedInputStream> in =
+            new BufferedInputStream(new ScriptedInputStream(data), 16);
         readBytes(*in, 12);
         in->mark(4);
         EXPECT_EQ(readBytes(*in, 5), slice(data, 12, 5));
@@ -103,7 +101,8 @@ TEST(BufferedInputStream, MarkLimitBeyondTheBufferGrowsIt) {
 }
 
 TEST(BufferedInputStream, ResetWithoutMark) {
-    Reference<BufferedInputStream> in = new BufferedInputStream(new ScriptedInputStream(sequence(4)), 16);
+    Reference<BufferedInputStream> in =
+        new BufferedInputStream(new ScriptedInputStream(sequence(4)), 16);
     EXPECT_TRUE(in->markSupported());
     try {
         in->reset();
@@ -184,8 +183,8 @@ TEST(BufferedInputStream, ClosedStreamRefusesEverything) {
     EXPECT_EQ(raw->closes, 1);
     signed char buf[4];
     const std::function<void()> operations[] = {
-        [&] { in->read(); },        [&] { in->read(buf, 4); }, [&] { in->read(buf, 0); },
-        [&] { in->skip(1); },       [&] { in->available(); },  [&] { in->mark(1); },
+        [&] { in->read(); },  [&] { in->read(buf, 4); }, [&] { in->read(buf, 0); },
+        [&] { in->skip(1); }, [&] { in->available(); },  [&] { in->mark(1); },
         [&] { in->reset(); },
     };
     for (const auto& operation : operations) {

@@ -12,15 +12,6 @@ using namespace qn;
 using namespace qn::io;
 using namespace qntest;
 
-namespace {
-
-std::u16string messageOf(const Exception& e) {
-    const String s = e.getDescription();
-    return std::u16string(s.getData(), static_cast<size_t>(s.getLength()));
-}
-
-} // namespace
-
 TEST(InputStream, SingleByteReadIsUnsignedAndZeroDeliveryIsTheEnd) {
     Reference<ScriptedInputStream> in = new ScriptedInputStream(bytes({0xFF, 0x80, 0x01}), {1, 0});
     EXPECT_EQ(in->read(), 255);
@@ -73,8 +64,8 @@ TEST(ByteArrayInputStream, ReadsACopyToTheEnd) {
     EXPECT_EQ(in->available(), 0);
     EXPECT_FALSE(in->markSupported());
 
-    Reference<ByteArrayInputStream> empty = new ByteArrayInputStream(
-        static_cast<const char*>(nullptr), -3);
+    Reference<ByteArrayInputStream> empty =
+        new ByteArrayInputStream(static_cast<const char*>(nullptr), -3);
     EXPECT_EQ(empty->read(), -1);
     EXPECT_THROW(ByteArrayInputStream(static_cast<const char*>(nullptr), 3), ResultException);
 }

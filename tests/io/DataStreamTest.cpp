@@ -29,8 +29,7 @@ Bytes written(const std::function<void(DataOutputStream&)>& write) {
 } // namespace
 
 TEST(DataOutputStream, WritesBigEndian) {
-    EXPECT_EQ(written([](DataOutputStream& o) { o.writeInt32(0x01020304); }),
-              bytes({1, 2, 3, 4}));
+    EXPECT_EQ(written([](DataOutputStream& o) { o.writeInt32(0x01020304); }), bytes({1, 2, 3, 4}));
     EXPECT_EQ(written([](DataOutputStream& o) { o.writeInt16(-2); }), bytes({0xFF, 0xFE}));
     EXPECT_EQ(written([](DataOutputStream& o) { o.writeInt64(0x0102030405060708LL); }),
               bytes({1, 2, 3, 4, 5, 6, 7, 8}));
@@ -84,7 +83,8 @@ TEST(DataInputStream, Int64SignExtendsItsLowWord) {
     EXPECT_EQ(over(bytes({0x12, 0x34, 0x56, 0x78, 0x7F, 0, 0, 1}))->readInt64(),
               0x123456787F000001LL);
     // A double whose low word has bit 31 set reads as a different value.
-    const Bytes b = written([](DataOutputStream& o) { o.writeUnsignedInt64(0x3FF0000080000000ULL); });
+    const Bytes b =
+        written([](DataOutputStream& o) { o.writeUnsignedInt64(0x3FF0000080000000ULL); });
     double expected;
     const uint64_t bits = 0xFFFFFFFF80000000ULL;
     std::memcpy(&expected, &bits, sizeof expected);

@@ -28,15 +28,6 @@ void writeText(FileOutputStream& out, const std::string& text) {
     out.write(text.data(), static_cast<long>(text.size()));
 }
 
-QNRESULT resultOf(const std::function<void()>& operation) {
-    try {
-        operation();
-    } catch (const ResultException& e) {
-        return e.getResult();
-    }
-    return QN_S_OK;
-}
-
 } // namespace
 
 TEST(FileStreams, WriteThenReadBack) {
@@ -131,8 +122,7 @@ TEST(FileStreams, FailuresCarryThePlatformCodes) {
     EXPECT_EQ(resultOf([&] { FileOutputStream(pathOf(dir.file("no/such/file")), false); }),
               missingDirectory);
     // A directory is not a file to read or write.
-    EXPECT_EQ(resultOf([&] { FileInputStream{pathOf(dir.path.u16string())}; }),
-              QN_E_ACCESSDENIED);
+    EXPECT_EQ(resultOf([&] { FileInputStream{pathOf(dir.path.u16string())}; }), QN_E_ACCESSDENIED);
     EXPECT_EQ(resultOf([&] { FileOutputStream(pathOf(dir.path.u16string()), true); }),
               QN_E_ACCESSDENIED);
     FileInputStream closed(QN_INVALID_FILE, false);
@@ -157,9 +147,9 @@ TEST(FileStreams, BorrowedHandlesStayOpen) {
     EXPECT_EQ(QNFileWrite(handle, "def", 3, &done), QN_S_OK); // still open
     EXPECT_EQ(QNFileClose(handle), QN_S_OK);
 
-    ASSERT_EQ(QNFileOpen(reinterpret_cast<const QNWCHAR*>(path.getData()), QN_FILE_READ, 0x1C0,
-                         &handle),
-              QN_S_OK);
+    ASSERT_EQ(
+        QNFileOpen(reinterpret_cast<const QNWCHAR*>(path.getData()), QN_FILE_READ, 0x1C0, &handle),
+        QN_S_OK);
     {
         Reference<FileInputStream> in = new FileInputStream(handle, false);
         EXPECT_EQ(in->read(), 'a');
@@ -223,7 +213,8 @@ TEST(FileStreamsChild, DISABLED_AppendRecords) {
     for (int i = 0; i < count; ++i) {
         std::ostringstream record;
         record << id << ':' << i << ':'
-               << std::string(static_cast<size_t>(50 + (i * 397) % 4000), static_cast<char>('a' + i % 26))
+               << std::string(static_cast<size_t>(50 + (i * 397) % 4000),
+                              static_cast<char>('a' + i % 26))
                << '\n';
         writeText(out, record.str());
         if (i % 10 == 9)
@@ -238,8 +229,10 @@ TEST(FileStreams, TwoProcessesAppendWithoutLosingOrInterleaving) {
     const std::string name = std::filesystem::path(file).string();
     constexpr int COUNT = 300;
     {
-        ChildProcess first("FileStreamsChild.DISABLED_AppendRecords", {name, "1", std::to_string(COUNT)});
-        ChildProcess second("FileStreamsChild.DISABLED_AppendRecords", {name, "2", std::to_string(COUNT)});
+        ChildProcess first("FileStreamsChild.DISABLED_AppendRecords",
+                           {name, "1", std::to_string(COUNT)});
+        ChildProcess second("FileStreamsChild.DISABLED_AppendRecords",
+                            {name, "2", std::to_string(COUNT)});
         EXPECT_EQ(first.wait(), 0);
         EXPECT_EQ(second.wait(), 0);
     }

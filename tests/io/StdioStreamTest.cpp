@@ -14,11 +14,6 @@ using namespace qntest;
 
 namespace {
 
-std::u16string messageOf(const Exception& e) {
-    const String s = e.getDescription();
-    return std::u16string(s.getData(), static_cast<size_t>(s.getLength()));
-}
-
 template <class F> std::u16string ioFailure(F operation) {
     try {
         operation();
@@ -75,8 +70,7 @@ TEST(StdioStreams, RuntimeFailuresBecomeIoExceptions) {
         EXPECT_EQ(ioFailure([&] { StdioInputStream(f.file).read(); }), u"stream read error");
         signed char buf[8];
         std::clearerr(f.file);
-        EXPECT_EQ(ioFailure([&] { StdioInputStream(f.file).read(buf, 8); }),
-                  u"stream read error");
+        EXPECT_EQ(ioFailure([&] { StdioInputStream(f.file).read(buf, 8); }), u"stream read error");
     }
     std::ifstream check(path, std::ios::binary);
     EXPECT_EQ(std::string(std::istreambuf_iterator<char>(check), {}), "abc\n");

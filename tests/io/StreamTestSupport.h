@@ -11,6 +11,7 @@
 #include <atomic>
 #include <cstring>
 #include <filesystem>
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -94,6 +95,21 @@ public:
     int closes = 0;
 };
 
+inline std::u16string messageOf(const qn::Exception& e) {
+    const qn::String s = e.getDescription();
+    return std::u16string(s.getData(), static_cast<size_t>(s.getLength()));
+}
+
+// The code of the ResultException an operation throws; 0 when it throws none.
+inline QNRESULT resultOf(const std::function<void()>& operation) {
+    try {
+        operation();
+    } catch (const qn::ResultException& e) {
+        return e.getResult();
+    }
+    return QN_S_OK;
+}
+
 // Everything a stream delivers through read(buf, len) with the given read size.
 inline Bytes drain(qn::io::InputStream& in, long size = 64) {
     Bytes out, buf(static_cast<size_t>(size));
@@ -169,7 +185,9 @@ public:
         return WEXITSTATUS(status);
 #endif
     }
-    ~ChildProcess() { wait(); }
+    ~ChildProcess() {
+        wait();
+    }
 
 private:
     static std::string self() {

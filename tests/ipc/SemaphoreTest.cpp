@@ -9,15 +9,6 @@ using namespace qntest;
 
 namespace {
 
-QNRESULT resultOf(const std::function<void()>& operation) {
-    try {
-        operation();
-    } catch (const ResultException& e) {
-        return e.getResult();
-    }
-    return QN_S_OK;
-}
-
 long readCounter(const std::filesystem::path& path) {
     long value = -1;
     std::ifstream(path) >> value;
@@ -29,7 +20,8 @@ long readCounter(const std::filesystem::path& path) {
 TEST(IpcSemaphoreClass, ModesAndWaits) {
     const std::string name = uniqueName("modes");
     {
-        Reference<ipc::Semaphore> first = new ipc::Semaphore(name.c_str(), 1, ipc::Semaphore::CREATE_NEW);
+        Reference<ipc::Semaphore> first =
+            new ipc::Semaphore(name.c_str(), 1, ipc::Semaphore::CREATE_NEW);
         EXPECT_EQ(first->getName(), name);
         EXPECT_EQ(resultOf([&] { ipc::Semaphore(name.c_str(), 1, ipc::Semaphore::CREATE_NEW); }),
                   QN_E_ALREADYEXISTS);
@@ -56,8 +48,8 @@ TEST(IpcSemaphoreClass, ModesAndWaits) {
 TEST(IpcSemaphoreChild, DISABLED_Increment) {
     const std::vector<std::string> args = childArguments();
     ASSERT_EQ(args.size(), 3u);
-    Reference<ipc::Semaphore> lock = new ipc::Semaphore(args[0].c_str(), 0,
-                                                        ipc::Semaphore::OPEN_EXISTING);
+    Reference<ipc::Semaphore> lock =
+        new ipc::Semaphore(args[0].c_str(), 0, ipc::Semaphore::OPEN_EXISTING);
     const int count = std::stoi(args[2]);
     for (int i = 0; i < count; ++i) {
         sync::LockGuard guard(*lock);
@@ -74,9 +66,12 @@ TEST(IpcSemaphoreClass, SerialisesTwoProcesses) {
     std::ofstream(counter) << 0;
     constexpr int COUNT = 300;
     {
-        Reference<ipc::Semaphore> lock = new ipc::Semaphore(name.c_str(), 1, ipc::Semaphore::CREATE_NEW);
-        ChildProcess a("IpcSemaphoreChild.DISABLED_Increment", {name, counter, std::to_string(COUNT)});
-        ChildProcess b("IpcSemaphoreChild.DISABLED_Increment", {name, counter, std::to_string(COUNT)});
+        Reference<ipc::Semaphore> lock =
+            new ipc::Semaphore(name.c_str(), 1, ipc::Semaphore::CREATE_NEW);
+        ChildProcess a("IpcSemaphoreChild.DISABLED_Increment",
+                       {name, counter, std::to_string(COUNT)});
+        ChildProcess b("IpcSemaphoreChild.DISABLED_Increment",
+                       {name, counter, std::to_string(COUNT)});
         EXPECT_EQ(a.wait(), 0);
         EXPECT_EQ(b.wait(), 0);
     }

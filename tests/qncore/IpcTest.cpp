@@ -52,9 +52,9 @@ TEST(IpcSemaphore, CountsAcrossHandles) {
 
 TEST(IpcSemaphore, RefusalsAndLimits) {
     Named s("limits");
-    ASSERT_EQ(QNIpcSemaphoreCreate(s.name.c_str(), QN_IPC_SEMAPHORE_MAX, QN_IPC_CREATE_NEW,
-                                   &s.handle),
-              QN_S_OK);
+    ASSERT_EQ(
+        QNIpcSemaphoreCreate(s.name.c_str(), QN_IPC_SEMAPHORE_MAX, QN_IPC_CREATE_NEW, &s.handle),
+        QN_S_OK);
     EXPECT_EQ(QNIpcSemaphorePost(s.handle), QN_E_TOOMANYPOSTS);
     QNIPCSEMAPHORE h = nullptr;
     EXPECT_EQ(QNIpcSemaphoreCreate(s.name.c_str(), 0, QN_IPC_CREATE_NEW, &h), QN_E_ALREADYEXISTS);

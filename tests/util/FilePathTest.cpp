@@ -1,5 +1,5 @@
-#include "qn/core/Exception.h"
 #include "qn/util/FilePath.h"
+#include "qn/core/Exception.h"
 
 #include <gtest/gtest.h>
 
@@ -33,6 +33,16 @@ struct Case {
     bool absolute;
 };
 
+template <size_t N> void checkForms(const Case (&cases)[N], PathNormaliser::Style style) {
+    for (const Case& c : cases) {
+        const String in(c.in);
+        EXPECT_EQ(units(PathNormaliser::clean(in, style)), c.clean) << shown(in);
+        EXPECT_EQ(units(PathNormaliser::normalise(in, style)), c.normal) << shown(in);
+        EXPECT_EQ(units(PathNormaliser::root(in, style)), c.root) << shown(in);
+        EXPECT_EQ(PathNormaliser::isAbsolute(in, style), c.absolute) << shown(in);
+    }
+}
+
 } // namespace
 
 TEST(PathNormaliser, PosixForms) {
@@ -48,13 +58,7 @@ TEST(PathNormaliser, PosixForms) {
         {u"./", u".", u".", u"", false},
         {u"a\\b", u"a\\b", u"a\\b", u"", false}, // a backslash is a name's character here
     };
-    for (const Case& c : cases) {
-        const String in(c.in);
-        EXPECT_EQ(units(PathNormaliser::clean(in, POSIX)), c.clean) << shown(in);
-        EXPECT_EQ(units(PathNormaliser::normalise(in, POSIX)), c.normal) << shown(in);
-        EXPECT_EQ(units(PathNormaliser::root(in, POSIX)), c.root) << shown(in);
-        EXPECT_EQ(PathNormaliser::isAbsolute(in, POSIX), c.absolute) << shown(in);
-    }
+    checkForms(cases, POSIX);
 }
 
 TEST(PathNormaliser, WindowsForms) {
@@ -71,13 +75,7 @@ TEST(PathNormaliser, WindowsForms) {
         {u"a/b\\c", u"a\\b\\c", u"a\\b\\c", u"", false},
         {u"1:x", u"1:x", u"1:x", u"", false}, // not a drive letter
     };
-    for (const Case& c : cases) {
-        const String in(c.in);
-        EXPECT_EQ(units(PathNormaliser::clean(in, WINDOWS)), c.clean) << shown(in);
-        EXPECT_EQ(units(PathNormaliser::normalise(in, WINDOWS)), c.normal) << shown(in);
-        EXPECT_EQ(units(PathNormaliser::root(in, WINDOWS)), c.root) << shown(in);
-        EXPECT_EQ(PathNormaliser::isAbsolute(in, WINDOWS), c.absolute) << shown(in);
-    }
+    checkForms(cases, WINDOWS);
 }
 
 TEST(PathNormaliser, Joining) {
@@ -92,9 +90,9 @@ TEST(PathNormaliser, Joining) {
         {POSIX, u"a", u"", u"a"},
         {WINDOWS, u"C:\\a", u"b", u"C:\\a\\b"},
         {WINDOWS, u"C:\\a", u"D:\\b", u"D:\\b"},
-        {WINDOWS, u"C:\\a", u"\\b", u"C:\\b"},          // the root of base's drive
+        {WINDOWS, u"C:\\a", u"\\b", u"C:\\b"}, // the root of base's drive
         {WINDOWS, u"\\\\s\\sh\\a", u"\\b", u"\\\\s\\sh\\b"},
-        {WINDOWS, u"c:\\a", u"C:b", u"c:\\a\\b"},       // same drive: continues base
+        {WINDOWS, u"c:\\a", u"C:b", u"c:\\a\\b"}, // same drive: continues base
         {WINDOWS, u"C:\\a", u"D:b", u"D:b"},
     };
     for (const Join& j : joins)
@@ -134,8 +132,11 @@ TEST(FilePath, PartsOfAPath) {
 
     const struct {
         const char16_t *name, *extension, *stem;
-    } names[] = {{u".profile", u"", u".profile"}, {u"..", u"", u".."}, {u"a.", u"", u"a"},
-                 {u"noext", u"", u"noext"},       {u"x.y", u"y", u"x"}};
+    } names[] = {{u".profile", u"", u".profile"},
+                 {u"..", u"", u".."},
+                 {u"a.", u"", u"a"},
+                 {u"noext", u"", u"noext"},
+                 {u"x.y", u"y", u"x"}};
     for (const auto& n : names) {
         EXPECT_EQ(units(FilePath(n.name).getExtension()), n.extension) << shown(String(n.name));
         EXPECT_EQ(units(FilePath(n.name).getStem()), n.stem) << shown(String(n.name));

@@ -18,7 +18,9 @@ public:
     FilePath& operator=(const FilePath& other);
     ~FilePath() override;
 
-    static char16_t getSeparator() { return PathNormaliser::separator(PathNormaliser::NATIVE_STYLE); }
+    static char16_t getSeparator() {
+        return PathNormaliser::separator(PathNormaliser::NATIVE_STYLE);
+    }
 
     const String& getPath() const { return m_path; }
     bool isEmpty() const { return m_path.isEmpty(); }

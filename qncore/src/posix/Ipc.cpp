@@ -54,8 +54,7 @@ template <class Call> QNRESULT retry(Call call) {
 } // namespace
 
 QN_EXTERN_C QNRESULT QN_STDCALL QNIpcSemaphoreCreate(const char* name, uint32_t initialCount,
-                                                     uint32_t flags,
-                                                     QNIPCSEMAPHORE* semaphore) {
+                                                     uint32_t flags, QNIPCSEMAPHORE* semaphore) {
     if (flags & ~QN_IPC_CREATE_NEW)
         return QN_E_INVALIDARG;
     const int open = O_CREAT | ((flags & QN_IPC_CREATE_NEW) ? O_EXCL : 0);

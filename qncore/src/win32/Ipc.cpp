@@ -73,8 +73,7 @@ QNRESULT wait(QNIPCSEMAPHORE semaphore, DWORD milliseconds) {
 } // namespace
 
 QN_EXTERN_C QNRESULT QN_STDCALL QNIpcSemaphoreCreate(const char* name, uint32_t initialCount,
-                                                     uint32_t flags,
-                                                     QNIPCSEMAPHORE* semaphore) {
+                                                     uint32_t flags, QNIPCSEMAPHORE* semaphore) {
     if (!semaphore)
         return QN_E_POINTER;
     *semaphore = nullptr;
@@ -87,8 +86,7 @@ QN_EXTERN_C QNRESULT QN_STDCALL QNIpcSemaphoreCreate(const char* name, uint32_t 
             return qncore::win32::lastResult();
         qncore::win32::NativeHandle handle(CreateSemaphoreA(
             security.attributes(), static_cast<LONG>(initialCount), QN_IPC_SEMAPHORE_MAX, name));
-        if (handle.get() && (flags & QN_IPC_CREATE_NEW) &&
-            GetLastError() == ERROR_ALREADY_EXISTS)
+        if (handle.get() && (flags & QN_IPC_CREATE_NEW) && GetLastError() == ERROR_ALREADY_EXISTS)
             return QN_E_ALREADYEXISTS;
         return store(handle.release(), semaphore);
     });
@@ -122,8 +120,7 @@ QN_EXTERN_C QNRESULT QN_STDCALL QNIpcSemaphoreTimedWait(QNIPCSEMAPHORE semaphore
 QN_EXTERN_C QNRESULT QN_STDCALL QNIpcSemaphorePost(QNIPCSEMAPHORE semaphore) {
     if (!semaphore)
         return QN_E_HANDLE;
-    return ReleaseSemaphore(semaphore->handle, 1, nullptr) ? QN_S_OK
-                                                           : qncore::win32::lastResult();
+    return ReleaseSemaphore(semaphore->handle, 1, nullptr) ? QN_S_OK : qncore::win32::lastResult();
 }
 
 QN_EXTERN_C QNRESULT QN_STDCALL QNIpcSemaphoreClose(QNIPCSEMAPHORE semaphore) {
