@@ -22,9 +22,9 @@ bool acquired(QNRESULT r) {
 } // namespace
 
 Semaphore::Semaphore(const char* name, uint32_t initialCount, Mode mode) {
-    check(mode == OPEN_EXISTING
+    check(mode == OPEN_ONLY
               ? QNIpcSemaphoreOpen(name, &m_handle)
-              : QNIpcSemaphoreCreate(name, initialCount, mode == CREATE_NEW ? QN_IPC_CREATE_NEW : 0,
+              : QNIpcSemaphoreCreate(name, initialCount, mode == CREATE_ONLY ? QN_IPC_CREATE_NEW : 0,
                                      &m_handle));
     m_name = name;
 }

@@ -95,9 +95,15 @@ public:
     int closes = 0;
 };
 
-inline std::u16string messageOf(const qn::Exception& e) {
-    const qn::String s = e.getDescription();
-    return std::u16string(s.getData(), static_cast<size_t>(s.getLength()));
+// The message of the exception an operation throws; "(none)" when it throws none.
+inline std::u16string messageOf(const std::function<void()>& operation) {
+    try {
+        operation();
+    } catch (const qn::Exception& e) {
+        const qn::String s = e.getDescription();
+        return std::u16string(s.getData(), static_cast<size_t>(s.getLength()));
+    }
+    return u"(none)";
 }
 
 // The code of the ResultException an operation throws; 0 when it throws none.

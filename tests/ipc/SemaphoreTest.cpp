@@ -21,12 +21,12 @@ TEST(IpcSemaphoreClass, ModesAndWaits) {
     const std::string name = uniqueName("modes");
     {
         Reference<ipc::Semaphore> first =
-            new ipc::Semaphore(name.c_str(), 1, ipc::Semaphore::CREATE_NEW);
+            new ipc::Semaphore(name.c_str(), 1, ipc::Semaphore::CREATE_ONLY);
         EXPECT_EQ(first->getName(), name);
-        EXPECT_EQ(resultOf([&] { ipc::Semaphore(name.c_str(), 1, ipc::Semaphore::CREATE_NEW); }),
+        EXPECT_EQ(resultOf([&] { ipc::Semaphore(name.c_str(), 1, ipc::Semaphore::CREATE_ONLY); }),
                   QN_E_ALREADYEXISTS);
         Reference<ipc::Semaphore> second =
-            new ipc::Semaphore(name.c_str(), 0, ipc::Semaphore::OPEN_EXISTING);
+            new ipc::Semaphore(name.c_str(), 0, ipc::Semaphore::OPEN_ONLY);
         {
             sync::LockGuard guard(*first);
             EXPECT_FALSE(second->tryWait());
@@ -37,7 +37,7 @@ TEST(IpcSemaphoreClass, ModesAndWaits) {
     }
     EXPECT_EQ(resultOf([] { ipc::Semaphore("bad/name"); }), QN_E_INVALIDARG);
     ipc::Semaphore::unlink(name.c_str());
-    EXPECT_EQ(resultOf([&] { ipc::Semaphore(name.c_str(), 0, ipc::Semaphore::OPEN_EXISTING); }),
+    EXPECT_EQ(resultOf([&] { ipc::Semaphore(name.c_str(), 0, ipc::Semaphore::OPEN_ONLY); }),
               QN_E_FILENOTFOUND);
 #ifndef _WIN32
     EXPECT_FALSE(ipc::Semaphore::unlink(name.c_str()));
@@ -49,7 +49,7 @@ TEST(IpcSemaphoreChild, DISABLED_Increment) {
     const std::vector<std::string> args = childArguments();
     ASSERT_EQ(args.size(), 3u);
     Reference<ipc::Semaphore> lock =
-        new ipc::Semaphore(args[0].c_str(), 0, ipc::Semaphore::OPEN_EXISTING);
+        new ipc::Semaphore(args[0].c_str(), 0, ipc::Semaphore::OPEN_ONLY);
     const int count = std::stoi(args[2]);
     for (int i = 0; i < count; ++i) {
         sync::LockGuard guard(*lock);
@@ -67,7 +67,7 @@ TEST(IpcSemaphoreClass, SerialisesTwoProcesses) {
     constexpr int COUNT = 300;
     {
         Reference<ipc::Semaphore> lock =
-            new ipc::Semaphore(name.c_str(), 1, ipc::Semaphore::CREATE_NEW);
+            new ipc::Semaphore(name.c_str(), 1, ipc::Semaphore::CREATE_ONLY);
         ChildProcess a("IpcSemaphoreChild.DISABLED_Increment",
                        {name, counter, std::to_string(COUNT)});
         ChildProcess b("IpcSemaphoreChild.DISABLED_Increment",

@@ -5,8 +5,8 @@
 // On POSIX the name outlives the processes until unlink() removes it; a process that opens the
 // name afterwards gets a new semaphore, so remove a name only once no process uses it. Windows
 // removes the name with its last handle. Failures of the core module are thrown as
-// ResultException with its code (0x80070057 for a bad name, 0x80070002 when OPEN_EXISTING finds
-// nothing, 0x800700B7 when CREATE_NEW finds the name taken).
+// ResultException with its code (0x80070057 for a bad name, 0x80070002 when OPEN_ONLY finds
+// nothing, 0x800700B7 when CREATE_ONLY finds the name taken).
 #pragma once
 
 #include "qn/sync/LockObject.h"
@@ -19,11 +19,11 @@ namespace qn::ipc {
 
 class QNCL_API Semaphore : public sync::LockObject {
 public:
-    enum Mode { OPEN_OR_CREATE, CREATE_NEW, OPEN_EXISTING };
+    enum Mode { CREATE_OR_OPEN, CREATE_ONLY, OPEN_ONLY };
 
     // name: 1 to 200 bytes without '/' or '\\'. initialCount applies only when the semaphore is
     // created.
-    explicit Semaphore(const char* name, uint32_t initialCount = 1, Mode mode = OPEN_OR_CREATE);
+    explicit Semaphore(const char* name, uint32_t initialCount = 1, Mode mode = CREATE_OR_OPEN);
     ~Semaphore() override;
 
     void wait() override;
