@@ -55,7 +55,7 @@ TEST(BufferedInputStream, MarkLimitDecidesAtTheRefill) {
     EXPECT_EQ(readBytes(*in, 5), slice(data, 12, 5));
     EXPECT_EQ(messageOf([&] { in->reset(); }), u"mark invalid");
     EXPECT_EQ(readBytes(*in, 3), slice(data, 17, 3)); // reading goes on
-    in->mark(8); // a new mark heals it
+    in->mark(8);                                      // a new mark heals it
     readBytes(*in, 2);
     in->reset();
     EXPECT_EQ(readBytes(*in, 1), slice(data, 20, 1));
@@ -128,7 +128,7 @@ TEST(BufferedInputStream, ClosedStreamRefusesEverything) {
     signed char buf[4];
     const std::function<void()> operations[] = {
         [&] { in->read(); },  [&] { in->read(buf, 0); }, [&] { in->skip(1); },
-        [&] { in->mark(1); }, [&] { in->available(); }, [&] { in->reset(); },
+        [&] { in->mark(1); }, [&] { in->available(); },  [&] { in->reset(); },
     };
     for (const auto& operation : operations)
         EXPECT_EQ(messageOf(operation), u"stream closed");

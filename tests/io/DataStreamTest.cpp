@@ -36,8 +36,9 @@ TEST(DataStreams, BigEndianBothWays) {
         o.writeDouble(-2.0);
         o.writeString(String(u"not part of the format"));
     });
-    EXPECT_EQ(b, bytes({1, 2, 3, 4, 1, 0xFF, 0xFE, 0, 1, 0xF6, 0, 0x7F, 0xFF, 0xFF, 0xFF, 0, 0,
-                        0, 1, 0x3F, 0x80, 0, 0, 0xC0, 0, 0, 0, 0, 0, 0, 0}));
+    EXPECT_EQ(b,
+              bytes({1, 2, 3, 4,    1,    0xFF, 0xFE, 0,    1, 0xF6, 0, 0x7F, 0xFF, 0xFF, 0xFF, 0,
+                     0, 0, 1, 0x3F, 0x80, 0,    0,    0xC0, 0, 0,    0, 0,    0,    0,    0}));
     // Every value comes back, each byte read on its own.
     Reference<DataInputStream> in = over(b, std::vector<long>(b.size(), 1));
     EXPECT_EQ(in->readInt(), 0x01020304);
@@ -52,12 +53,12 @@ TEST(DataStreams, BigEndianBothWays) {
 }
 
 TEST(DataStreams, Int64SignExtendsItsLowWord) {
-    EXPECT_EQ(over(bytes({0, 0, 0, 0, 0x80, 0, 0, 0}))->readUnsignedInt64(),
-              0xFFFFFFFF80000000ULL);
+    EXPECT_EQ(over(bytes({0, 0, 0, 0, 0x80, 0, 0, 0}))->readUnsignedInt64(), 0xFFFFFFFF80000000ULL);
     EXPECT_EQ(over(bytes({0x12, 0x34, 0x56, 0x78, 0x7F, 0, 0, 1}))->readInt64(),
               0x123456787F000001LL);
     // So a double whose low word has bit 31 set does not come back.
-    const Bytes b = written([](DataOutputStream& o) { o.writeUnsignedInt64(0x3FF0000080000000ULL); });
+    const Bytes b =
+        written([](DataOutputStream& o) { o.writeUnsignedInt64(0x3FF0000080000000ULL); });
     EXPECT_TRUE(std::isnan(over(b)->readDouble()));
 }
 
@@ -90,5 +91,6 @@ TEST(DataStreams, ReadFullyOverShortReads) {
     in->readFully(buf.data(), 64);
     EXPECT_EQ(buf, data);
     // A stream that never delivers is given up on.
-    EXPECT_THROW(over(data, std::vector<long>(5000, 0))->readFully(buf.data(), 1), TimeoutException);
+    EXPECT_THROW(over(data, std::vector<long>(5000, 0))->readFully(buf.data(), 1),
+                 TimeoutException);
 }

@@ -26,7 +26,7 @@ TEST(StdioStreams, LinesBytesSkipsAndRuntimeFailures) {
     file = std::fopen(path.c_str(), "rb");
     Reference<StdioInputStream> in = new StdioInputStream(file);
     signed char buf[32];
-    EXPECT_EQ(in->read(buf, 6), 5); // at most len - 1 bytes
+    EXPECT_EQ(in->read(buf, 6), 5);  // at most len - 1 bytes
     EXPECT_EQ(in->read(buf, 32), 6); // the rest of the line, line feed included
     EXPECT_EQ(in->skip(7), 7);
     EXPECT_EQ(in->read(), 0xFF);
