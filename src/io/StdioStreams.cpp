@@ -12,9 +12,19 @@ StdioInputStream::StdioInputStream() : m_file(stdin) {}
 StdioInputStream::StdioInputStream(std::FILE* file) : m_file(checkStream(file)) {}
 StdioInputStream::~StdioInputStream() = default;
 
+namespace {
+
+// A runtime stream that gives nothing without reaching its end has failed; some runtimes do not
+// set the error flag for a stream that cannot be read at all.
+bool failed(std::FILE* file) {
+    return std::ferror(file) || !std::feof(file);
+}
+
+} // namespace
+
 int StdioInputStream::read() {
     const int c = std::fgetc(m_file);
-    if (c == EOF && std::ferror(m_file))
+    if (c == EOF && failed(m_file))
         throw IoException(u"stream read error");
     return c == EOF ? -1 : c;
 }
@@ -25,7 +35,7 @@ long StdioInputStream::read(signed char* buf, long len) {
     checkBuffer(buf, len);
     char* line = reinterpret_cast<char*>(buf);
     if (!std::fgets(line, len > INT_MAX ? INT_MAX : static_cast<int>(len), m_file)) {
-        if (std::ferror(m_file))
+        if (failed(m_file))
             throw IoException(u"stream read error");
         return -1;
     }
