@@ -107,3 +107,5 @@ BENCHMARK(ReadInt32_std)
     ->Unit(benchmark::kMillisecond);
 
 } // namespace
+
+BENCHMARK_MAIN();

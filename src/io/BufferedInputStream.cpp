@@ -51,14 +51,12 @@ void BufferedInputStream::fillBuffer() {
 }
 
 int BufferedInputStream::read() {
+    // A closed stream holds no bytes (close empties it), so the common case needs one test.
+    if (m_pos < m_count)
+        return m_buffer[m_pos++]; // sign-extended on purpose: 0xFF reads as -1
     checkOpen();
-    if (m_pos >= m_count) {
-        fillBuffer();
-        if (m_pos >= m_count)
-            return -1;
-    }
-    // Sign-extended on purpose: 0xFF reads as -1.
-    return m_buffer[m_pos++];
+    fillBuffer();
+    return m_pos < m_count ? m_buffer[m_pos++] : -1;
 }
 
 long BufferedInputStream::read(signed char* buf, long len) {
@@ -114,6 +112,7 @@ long BufferedInputStream::available() {
 
 void BufferedInputStream::close() {
     m_buffer.reset();
+    m_pos = m_count = 0;
     m_in->close();
 }
 

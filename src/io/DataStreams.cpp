@@ -12,6 +12,19 @@ namespace {
 // Consecutive empty reads readFully accepts before it gives up on the wrapped stream.
 constexpr int MAX_IDLE_READS = 1024;
 
+// Reads the n bytes of a value with at most n reads of the wrapped stream (one, as a rule), as
+// many as reading them one at a time would take; false when they did not all come. Not through
+// read(): a wrapped BufferedInputStream's read() gives -1 for the byte 0xFF as well.
+bool readValue(InputStream& in, unsigned char* out, int n) {
+    int got = 0;
+    for (int reads = 0; reads < n && got < n; ++reads) {
+        const long r = in.read(reinterpret_cast<signed char*>(out + got), n - got);
+        if (r > 0)
+            got += static_cast<int>(r);
+    }
+    return got == n;
+}
+
 template <class To, class From> To bitsOf(From v) {
     static_assert(sizeof(To) == sizeof(From));
     To to;
@@ -44,30 +57,26 @@ bool DataInputStream::readBool() {
 }
 
 signed char DataInputStream::readByte() {
-    const int b = m_in->read();
-    if (b < 0)
+    unsigned char b[1];
+    if (!readValue(*m_in, b, 1))
         throw UnexpectedEOFException();
-    return static_cast<signed char>(b);
+    return static_cast<signed char>(b[0]);
 }
 
 int16_t DataInputStream::readInt16() {
-    // Both bytes are read before the check, so a lone last byte is consumed.
-    const int b0 = m_in->read();
-    const int b1 = m_in->read();
-    if (b0 < 0 || b1 < 0)
+    unsigned char b[2];
+    if (!readValue(*m_in, b, 2))
         throw UnexpectedEOFException();
-    return static_cast<int16_t>(static_cast<uint16_t>((b0 << 8) | b1));
+    return static_cast<int16_t>(static_cast<uint16_t>(b[0] << 8 | b[1]));
 }
 
 int32_t DataInputStream::readInt32() {
-    const int b0 = m_in->read();
-    const int b1 = m_in->read();
-    const int b2 = m_in->read();
-    const int b3 = m_in->read();
-    if ((b0 | b1 | b2 | b3) < 0)
+    unsigned char b[4];
+    if (!readValue(*m_in, b, 4))
         throw UnexpectedEOFException();
-    return static_cast<int32_t>(static_cast<uint32_t>(b0) << 24 | static_cast<uint32_t>(b1) << 16 |
-                                static_cast<uint32_t>(b2) << 8 | static_cast<uint32_t>(b3));
+    return static_cast<int32_t>(static_cast<uint32_t>(b[0]) << 24 |
+                                static_cast<uint32_t>(b[1]) << 16 |
+                                static_cast<uint32_t>(b[2]) << 8 | static_cast<uint32_t>(b[3]));
 }
 
 int64_t DataInputStream::readInt64() {

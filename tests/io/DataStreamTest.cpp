@@ -1,5 +1,6 @@
 #include "StreamTestSupport.h"
 
+#include "qn/io/BufferedInputStream.h"
 #include "qn/io/ByteArrayOutputStream.h"
 #include "qn/io/DataInputStream.h"
 #include "qn/io/DataOutputStream.h"
@@ -93,4 +94,12 @@ TEST(DataStreams, ReadFullyOverShortReads) {
     // A stream that never delivers is given up on.
     EXPECT_THROW(over(data, std::vector<long>(5000, 0))->readFully(buf.data(), 1),
                  TimeoutException);
+}
+
+TEST(DataStreams, HighBytesThroughABufferedStream) {
+    // BufferedInputStream::read() gives -1 for 0xFF; the value must not end there.
+    Reference<DataInputStream> in = new DataInputStream(new BufferedInputStream(
+        new ScriptedInputStream(bytes({0xFF, 0xFF, 0xFF, 0xFE, 0x80, 0x01})), 16));
+    EXPECT_EQ(in->readInt32(), -2);
+    EXPECT_EQ(in->readInt16(), static_cast<int16_t>(0x8001));
 }

@@ -1,5 +1,7 @@
-// DataInputStream: reads fixed-width numbers in big-endian (network) byte order, each byte with
-// the wrapped stream's single-byte read(). The end of the stream inside a value throws
+// DataInputStream: reads fixed-width numbers in big-endian (network) byte order. The bytes of a
+// value are read with the wrapped stream's array read, at most one read per byte (one in all,
+// as a rule), never with its read(): BufferedInputStream::read() sign-extends, and a byte 0xFF
+// would end the value there. When those reads do not deliver the whole value, it throws
 // UnexpectedEOFException (no message); the bytes read up to there are consumed.
 //
 // readInt64 is the high word shifted left 32, or-ed with the low word sign-extended: when bit 31
