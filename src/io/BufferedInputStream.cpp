@@ -54,6 +54,10 @@ int BufferedInputStream::read() {
     // A closed stream holds no bytes (close empties it), so the common case needs one test.
     if (m_pos < m_count)
         return m_buffer[m_pos++]; // sign-extended on purpose: 0xFF reads as -1
+    return readAfterFill();
+}
+
+[[gnu::noinline]] int BufferedInputStream::readAfterFill() {
     checkOpen();
     fillBuffer();
     return m_pos < m_count ? m_buffer[m_pos++] : -1;

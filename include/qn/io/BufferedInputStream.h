@@ -40,6 +40,8 @@ public:
 private:
     void checkOpen() const;
     void fillBuffer();
+    // read() once the buffer is used up, kept apart so that the common case stays small.
+    int readAfterFill();
 
     Reference<InputStream> m_in;
     long m_size;
