@@ -8,8 +8,18 @@
 #include "qn/core/Library.h"
 #include "qn/core/Number.h"
 #include "qn/core/String.h"
+#include "qn/io/BufferedInputStream.h"
+#include "qn/io/BufferedOutputStream.h"
+#include "qn/io/ByteArrayInputStream.h"
+#include "qn/io/ByteArrayOutputStream.h"
+#include "qn/io/DataInputStream.h"
+#include "qn/io/DataOutputStream.h"
+#include "qn/io/NullOutputStream.h"
+#include "qn/io/StdioInputStream.h"
+#include "qn/io/StdioOutputStream.h"
 #include "qn/sync/Mutex.h"
 #include "qn/sync/ReaderWriterLock.h"
+#include "qn/util/FilePath.h"
 #include "qn/util/MTByteBuffer.h"
 #include "qn/util/MTCharBuffer.h"
 #include "qn/util/ROByteBuffer.h"
@@ -44,10 +54,20 @@ void registerBuiltinClasses() {
     static const ClassRow rows[] = {
         row<AbstractByteBuffer>(u"CQNAbstractByteBuffer"),
         row<AbstractCharBuffer>(u"CQNAbstractCharBuffer"),
+        row<io::BufferedInputStream>(u"CQNBufferedInputStream"),
+        row<io::BufferedOutputStream>(u"CQNBufferedOutputStream"),
+        row<io::ByteArrayInputStream>(u"CQNByteArrayInputStream"),
+        rowMade<io::ByteArrayOutputStream>(u"CQNByteArrayOutputStream"),
         row<Class>(u"qn::Class"),
         row<ComObject>(u"CQNComObject"),
+        row<io::DataInputStream>(u"CQNDataInputStream"),
+        row<io::DataOutputStream>(u"CQNDataOutputStream"),
         row<Double>(u"CQNDouble"),
+        row<FilePath>(u"CQNFilePath"),
+        row<io::FilterInputStream>(u"CQNFilterInputStream"),
+        row<io::FilterOutputStream>(u"CQNFilterOutputStream"),
         row<Float>(u"CQNFloat"),
+        row<io::InputStream>(u"CQNInputStream"),
         row<Integer16>(u"CQNInteger16"),
         row<Integer32>(u"CQNInteger32"),
         row<Integer64>(u"CQNInteger64"),
@@ -56,14 +76,18 @@ void registerBuiltinClasses() {
         rowMade<MTByteBuffer>(u"CQNMTByteBuffer"),
         rowMade<MTCharBuffer>(u"CQNMTCharBuffer"),
         rowMade<sync::Mutex>(u"CQNMutex"),
+        rowMade<io::NullOutputStream>(u"CQNNullOutputStream"),
         row<Number>(u"CQNNumber"),
         rowMade<Object>(u"CQNObject"),
+        row<io::OutputStream>(u"CQNOutputStream"),
         rowMade<ROByteBuffer>(u"CQNROByteBuffer"),
         rowMade<ROCharBuffer>(u"CQNROCharBuffer"),
         rowMade<RWByteBuffer>(u"CQNRWByteBuffer"),
         rowMade<RWCharBuffer>(u"CQNRWCharBuffer"),
         rowMade<sync::ReaderWriterLock>(u"CQNRWLock"),
         row<SignedInteger>(u"CQNSignedInteger"),
+        rowMade<io::StdioInputStream>(u"CQNStdioInputStream"),
+        rowMade<io::StdioOutputStream>(u"CQNStdioOutputStream"),
         rowMade<String>(u"CQNString"),
         row<sync::Object>(u"CQNSyncObject"),
         row<UInteger16>(u"CQNUInteger16"),

@@ -6,6 +6,8 @@
 #include "QNEncoding.h"
 #include "QNError.h"
 #include "QNFile.h"
+#include "QNIpc.h"
+#include "QNPath.h"
 #include "QNSync.h"
 #include "QNTime.h"
 #include "QNTypes.h"

@@ -1,0 +1,39 @@
+#include "StreamTestSupport.h"
+
+#include "qn/io/BufferedOutputStream.h"
+
+using namespace qn;
+using namespace qn::io;
+using namespace qntest;
+
+TEST(BufferedOutputStream, HandsOnBlocksInOrder) {
+    const Bytes data = sequence(100);
+    RecordingOutputStream* sink = new RecordingOutputStream;
+    Reference<BufferedOutputStream> out = new BufferedOutputStream(sink, 16);
+    out->write(data.data(), 10);
+    out->write(data.data() + 10, 6); // exactly fills the buffer: nothing written yet
+    EXPECT_TRUE(sink->calls.empty());
+    out->write(data[16]); // full: the buffer goes first
+    out->write(data.data() + 17, 10);
+    out->write(data.data() + 27, 10); // 11 + 10 > 16: the 11 buffered go first
+    out->write(data.data() + 37, 16); // a buffer's worth: buffered bytes, then it directly
+    out->write(data.data() + 53, 47);
+    EXPECT_EQ(sink->calls, (std::vector<long>{16, 11, 10, 16, 47}));
+    EXPECT_EQ(sink->data, data);
+}
+
+TEST(BufferedOutputStream, CloseDropsWhatWasNotFlushed) {
+    RecordingOutputStream* sink = new RecordingOutputStream;
+    Reference<BufferedOutputStream> out = new BufferedOutputStream(sink, 0);
+    EXPECT_EQ(out->getBufferSize(), 16);
+    out->write("kept", 4);
+    out->flush();
+    out->write("lost", 4);
+    out->close();
+    EXPECT_EQ(sink->data, bytes({'k', 'e', 'p', 't'}));
+    EXPECT_EQ(sink->flushes, 1);
+    EXPECT_EQ(messageOf([&] { out->flush(); }), u"stream closed");
+    EXPECT_EQ(messageOf([&] { out->write(static_cast<signed char>(1)); }), u"stream closed");
+    out->close();
+    EXPECT_EQ(sink->closes, 2);
+}
