@@ -8,8 +8,15 @@
 #include "qn/core/Library.h"
 #include "qn/core/Number.h"
 #include "qn/core/String.h"
+#include "qn/core/xcom/ClassFactory.h"
+#include "qn/core/xcom/DllModule.h"
+#include "qn/exec/Thread.h"
+#include "qn/sync/Event.h"
+#include "qn/sync/FakeMutex.h"
+#include "qn/sync/Gate.h"
 #include "qn/sync/Mutex.h"
 #include "qn/sync/ReaderWriterLock.h"
+#include "qn/sync/Semaphore.h"
 #include "qn/util/MTByteBuffer.h"
 #include "qn/util/MTCharBuffer.h"
 #include "qn/util/ROByteBuffer.h"
@@ -45,9 +52,14 @@ void registerBuiltinClasses() {
         row<AbstractByteBuffer>(u"CQNAbstractByteBuffer"),
         row<AbstractCharBuffer>(u"CQNAbstractCharBuffer"),
         row<Class>(u"qn::Class"),
+        row<xcom::ClassFactory>(u"qn::xcom::ClassFactory"),
+        row<xcom::DllModule>(u"CQNComDllModule"),
         row<ComObject>(u"CQNComObject"),
         row<Double>(u"CQNDouble"),
+        rowMade<sync::Event>(u"CQNEvent"),
+        rowMade<sync::FakeMutex>(u"CQNFakeMutex"),
         row<Float>(u"CQNFloat"),
+        rowMade<sync::Gate>(u"CQNGate"),
         row<Integer16>(u"CQNInteger16"),
         row<Integer32>(u"CQNInteger32"),
         row<Integer64>(u"CQNInteger64"),
@@ -60,12 +72,15 @@ void registerBuiltinClasses() {
         rowMade<Object>(u"CQNObject"),
         rowMade<ROByteBuffer>(u"CQNROByteBuffer"),
         rowMade<ROCharBuffer>(u"CQNROCharBuffer"),
+        row<exec::IRunnable>(u"CQNRunnable"),
         rowMade<RWByteBuffer>(u"CQNRWByteBuffer"),
         rowMade<RWCharBuffer>(u"CQNRWCharBuffer"),
         rowMade<sync::ReaderWriterLock>(u"CQNRWLock"),
+        rowMade<sync::Semaphore>(u"CQNSemaphore"),
         row<SignedInteger>(u"CQNSignedInteger"),
         rowMade<String>(u"CQNString"),
         row<sync::Object>(u"CQNSyncObject"),
+        row<exec::Thread>(u"CQNThread"),
         row<UInteger16>(u"CQNUInteger16"),
         row<UInteger32>(u"CQNUInteger32"),
         row<UInteger64>(u"CQNUInteger64"),

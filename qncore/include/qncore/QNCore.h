@@ -7,6 +7,7 @@
 #include "QNError.h"
 #include "QNFile.h"
 #include "QNSync.h"
+#include "QNThread.h"
 #include "QNTime.h"
 #include "QNTypes.h"
 #include "QNUnknown.h"
