@@ -13,9 +13,10 @@ void writeFailure(Thread& thread, const Exception* failure, QNRESULT result) {
     std::string text;
     if (failure) {
         const String message = failure->getDescription();
-        const int32_t needed = QNWideToUtf8(message.getData(), message.getLength(), nullptr, 0);
+        const auto* units = reinterpret_cast<const QNWCHAR*>(message.getData());
+        const int32_t needed = QNWideToUtf8(units, message.getLength(), nullptr, 0);
         std::vector<char> utf8(static_cast<size_t>(needed) + 1);
-        QNWideToUtf8(message.getData(), message.getLength(), utf8.data(), needed + 1);
+        QNWideToUtf8(units, message.getLength(), utf8.data(), needed + 1);
         text = utf8.data();
     }
     std::fprintf(stderr, "qn::exec::Thread \"%s\" (%lu): uncaught exception 0x%08lX%s%s\n",

@@ -1,6 +1,6 @@
+#include "qn/exec/Thread.h"
 #include "qn/core/Class.h"
 #include "qn/core/Exception.h"
-#include "qn/exec/Thread.h"
 #include "qn/sync/Event.h"
 #include "qn/sync/Gate.h"
 

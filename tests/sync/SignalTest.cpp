@@ -144,8 +144,8 @@ TEST(SyncObjects, CreationFailuresAreResultExceptions) {
 }
 
 TEST(SyncObjects, ConcreteClassesAreCreatedByName) {
-    const char16_t* made[] = {u"CQNEvent", u"CQNFakeMutex", u"CQNGate", u"CQNMutex",
-                              u"CQNRWLock", u"CQNSemaphore"};
+    const char16_t* made[] = {u"CQNEvent", u"CQNFakeMutex", u"CQNGate",
+                              u"CQNMutex", u"CQNRWLock",    u"CQNSemaphore"};
     for (const char16_t* n : made) {
         Reference<Object> object(Class::forName(n)->createInstance());
         EXPECT_TRUE(Class::forName(n)->isInstance(*object));

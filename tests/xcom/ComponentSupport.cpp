@@ -15,9 +15,10 @@ namespace qntest {
 
 namespace {
 
+// The directory of path with its separator (Windows' loader wants backslashes).
 std::u16string directoryOf(const std::u16string& path) {
     const size_t slash = path.find_last_of(u"/\\");
-    return slash == std::u16string::npos ? u"." : path.substr(0, slash);
+    return slash == std::u16string::npos ? u"./" : path.substr(0, slash + 1);
 }
 
 std::string narrow(const std::u16string& text) {
@@ -58,7 +59,7 @@ std::u16string programPath() {
 }
 
 std::u16string componentPath() {
-    return directoryOf(programPath()) + u"/" QNCL_TEST_COMPONENT;
+    return directoryOf(programPath()) + u"" QNCL_TEST_COMPONENT;
 }
 
 ComponentLibrary::ComponentLibrary() {
