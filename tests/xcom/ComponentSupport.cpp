@@ -21,12 +21,14 @@ std::u16string directoryOf(const std::u16string& path) {
     return slash == std::u16string::npos ? u"./" : path.substr(0, slash + 1);
 }
 
+#ifndef _WIN32
 std::string narrow(const std::u16string& text) {
     std::string out(static_cast<size_t>(QNWideToUtf8(W(text.c_str()), -1, nullptr, 0)) + 1, '\0');
     QNWideToUtf8(W(text.c_str()), -1, &out[0], static_cast<int32_t>(out.size()));
     out.resize(out.size() - 1);
     return out;
 }
+#endif
 
 using Entry = QNRESULT(QN_STDCALL*)();
 using GetClassObject = QNRESULT(QN_STDCALL*)(const QNGUID*, const QNGUID*, void**);
