@@ -47,6 +47,9 @@ void Thread::run() {
 }
 
 void Thread::start() {
+    // A caller holding no reference must not see this object deleted under its own call by a
+    // thread that ends at once.
+    const Reference<Thread> keep(this);
     std::lock_guard<std::mutex> hold(m_lock);
     if (m_handle)
         throw IllegalStateException(String(u"Thread already started"));
