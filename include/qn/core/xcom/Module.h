@@ -39,7 +39,8 @@ public:
     // classes (may be null: no classes) must outlive the module. Creating the module's lock can
     // fail: ResultException with the core module's code.
     explicit Module(ClassData* classes = nullptr);
-    // Releases the cached class objects.
+    // Releases the cached class objects; a client still holding one must not use it after the
+    // module is gone, as with any object of an unloaded library.
     virtual ~Module();
     Module(const Module&) = delete;
     Module& operator=(const Module&) = delete;
@@ -76,6 +77,8 @@ public:
 private:
     ClassData* const m_classes;
     std::atomic<uint32_t> m_lockCount{0};
+    // Named "qn::xcom::Module::m_lock": every module of the process shares this one recursive
+    // lock, so a creation function may itself ask another module for a class object.
     sync::Mutex m_lock;
 };
 
