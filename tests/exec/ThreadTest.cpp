@@ -1,5 +1,4 @@
 #include "qn/exec/Thread.h"
-#include "qn/core/Class.h"
 #include "qn/core/Exception.h"
 #include "qn/sync/Event.h"
 #include "qn/sync/Gate.h"
@@ -149,13 +148,4 @@ TEST(Thread, NamesTheThreadForDebuggers) {
 #else
     GTEST_SKIP() << "thread names are read back on Linux only";
 #endif
-}
-
-TEST(Thread, RegisteredWithoutFactories) {
-    EXPECT_THROW(Class::forName(u"CQNThread")->createInstance(), IllegalAccessException);
-    EXPECT_THROW(Class::forName(u"CQNRunnable")->createInstance(), IllegalAccessException);
-    Reference<exec::Thread> thread(new exec::Thread);
-    EXPECT_TRUE(Class::forName(u"CQNThread")->isInstance(*thread));
-    exec::Thread::sleep(0);
-    exec::Thread::sleep(1);
 }

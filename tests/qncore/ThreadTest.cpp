@@ -9,8 +9,6 @@ namespace {
 struct Shared {
     QNHANDLE gate = nullptr;
     std::atomic<uint32_t> ranOn{0};
-    QNHANDLE self = nullptr;
-    std::atomic<QNRESULT> selfJoin{QN_S_OK};
 };
 
 uint32_t QN_STDCALL waitAtGate(void* raw) {
@@ -18,13 +16,6 @@ uint32_t QN_STDCALL waitAtGate(void* raw) {
     shared->ranOn = QNThreadGetCurrentId();
     QNGateWait(shared->gate);
     return 42;
-}
-
-uint32_t QN_STDCALL joinSelf(void* raw) {
-    auto* shared = static_cast<Shared*>(raw);
-    QNGateWait(shared->gate); // until the creator has stored the handle
-    shared->selfJoin = QNThreadJoin(shared->self, 0, nullptr);
-    return 0;
 }
 
 } // namespace
@@ -45,23 +36,6 @@ TEST(Thread, StartsJoinsWithAndWithoutTimeOutAndReportsItsExitCode) {
     EXPECT_EQ(shared.ranOn.load(), id);
     EXPECT_EQ(QNThreadJoin(thread, 0, nullptr), QN_S_OK); // again, once ended
     EXPECT_EQ(QNThreadClose(thread), QN_S_OK);
-    QNGateDestroy(shared.gate);
-}
-
-TEST(Thread, RefusesBadCallsAndSelfJoin) {
-    QNHANDLE thread = nullptr;
-    EXPECT_EQ(QNThreadCreate(nullptr, nullptr, &thread, nullptr), QN_E_INVALIDARG);
-    EXPECT_EQ(QNThreadCreate(&waitAtGate, nullptr, nullptr, nullptr), QN_E_POINTER);
-    EXPECT_EQ(QNThreadClose(nullptr), QN_E_HANDLE);
-    EXPECT_EQ(QNThreadSetName(nullptr), QN_E_POINTER);
-
-    Shared shared;
-    ASSERT_EQ(QNGateCreate(nullptr, 0, &shared.gate), QN_S_OK);
-    ASSERT_EQ(QNThreadCreate(&joinSelf, &shared, &shared.self, nullptr), QN_S_OK);
-    QNGateOpen(shared.gate);
-    EXPECT_EQ(QNThreadJoin(shared.self, QN_INFINITE, nullptr), QN_S_OK);
-    EXPECT_EQ(shared.selfJoin.load(), QN_E_POSSIBLEDEADLOCK);
-    QNThreadClose(shared.self);
     QNGateDestroy(shared.gate);
 }
 
