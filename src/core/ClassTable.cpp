@@ -8,6 +8,9 @@
 #include "qn/core/Library.h"
 #include "qn/core/Number.h"
 #include "qn/core/String.h"
+#include "qn/core/xcom/ClassFactory.h"
+#include "qn/core/xcom/DllModule.h"
+#include "qn/exec/Thread.h"
 #include "qn/io/BufferedInputStream.h"
 #include "qn/io/BufferedOutputStream.h"
 #include "qn/io/ByteArrayInputStream.h"
@@ -17,8 +20,12 @@
 #include "qn/io/NullOutputStream.h"
 #include "qn/io/StdioInputStream.h"
 #include "qn/io/StdioOutputStream.h"
+#include "qn/sync/Event.h"
+#include "qn/sync/FakeMutex.h"
+#include "qn/sync/Gate.h"
 #include "qn/sync/Mutex.h"
 #include "qn/sync/ReaderWriterLock.h"
+#include "qn/sync/Semaphore.h"
 #include "qn/util/FilePath.h"
 #include "qn/util/MTByteBuffer.h"
 #include "qn/util/MTCharBuffer.h"
@@ -59,14 +66,19 @@ void registerBuiltinClasses() {
         row<io::ByteArrayInputStream>(u"CQNByteArrayInputStream"),
         rowMade<io::ByteArrayOutputStream>(u"CQNByteArrayOutputStream"),
         row<Class>(u"qn::Class"),
+        row<xcom::ClassFactory>(u"qn::xcom::ClassFactory"),
+        row<xcom::DllModule>(u"CQNComDllModule"),
         row<ComObject>(u"CQNComObject"),
         row<io::DataInputStream>(u"CQNDataInputStream"),
         row<io::DataOutputStream>(u"CQNDataOutputStream"),
         row<Double>(u"CQNDouble"),
+        rowMade<sync::Event>(u"CQNEvent"),
+        rowMade<sync::FakeMutex>(u"CQNFakeMutex"),
         row<FilePath>(u"CQNFilePath"),
         row<io::FilterInputStream>(u"CQNFilterInputStream"),
         row<io::FilterOutputStream>(u"CQNFilterOutputStream"),
         row<Float>(u"CQNFloat"),
+        rowMade<sync::Gate>(u"CQNGate"),
         row<io::InputStream>(u"CQNInputStream"),
         row<Integer16>(u"CQNInteger16"),
         row<Integer32>(u"CQNInteger32"),
@@ -82,14 +94,17 @@ void registerBuiltinClasses() {
         row<io::OutputStream>(u"CQNOutputStream"),
         rowMade<ROByteBuffer>(u"CQNROByteBuffer"),
         rowMade<ROCharBuffer>(u"CQNROCharBuffer"),
+        row<exec::IRunnable>(u"CQNRunnable"),
         rowMade<RWByteBuffer>(u"CQNRWByteBuffer"),
         rowMade<RWCharBuffer>(u"CQNRWCharBuffer"),
         rowMade<sync::ReaderWriterLock>(u"CQNRWLock"),
+        rowMade<sync::Semaphore>(u"CQNSemaphore"),
         row<SignedInteger>(u"CQNSignedInteger"),
         rowMade<io::StdioInputStream>(u"CQNStdioInputStream"),
         rowMade<io::StdioOutputStream>(u"CQNStdioOutputStream"),
         rowMade<String>(u"CQNString"),
         row<sync::Object>(u"CQNSyncObject"),
+        row<exec::Thread>(u"CQNThread"),
         row<UInteger16>(u"CQNUInteger16"),
         row<UInteger32>(u"CQNUInteger32"),
         row<UInteger64>(u"CQNUInteger64"),

@@ -97,7 +97,5 @@ QNRESULT QueryInterfaceMap(const InterfaceData* map, ComObject* object, const QN
     return QN_E_NOINTERFACE;
 }
 
-Module::~Module() = default;
-
 } // namespace xcom
 } // namespace qn

@@ -66,6 +66,12 @@ QNCORE_API QNRESULT QN_STDCALL QNComRegisterClassObject(const QNGUID* clsid, con
                                                         IQNUnknown* classObject);
 QNCORE_API QNRESULT QN_STDCALL QNComRevokeClassObject(const QNGUID* clsid);
 
+/* The full path of the library or program file that contains address (any code or data address
+ * inside it; on Windows also its module handle), zero-terminated in buffer. QN_E_BUFFERTOOSMALL
+ * when size units cannot hold it, QN_E_FILENOTFOUND when no loaded file contains the address. */
+QNCORE_API QNRESULT QN_STDCALL QNModuleGetFileNameW(const void* address, QNWCHAR* buffer,
+                                                    int32_t size);
+
 QN_EXTERN_C_END
 
 #endif

@@ -9,6 +9,7 @@
 #include "QNIpc.h"
 #include "QNPath.h"
 #include "QNSync.h"
+#include "QNThread.h"
 #include "QNTime.h"
 #include "QNTypes.h"
 #include "QNUnknown.h"

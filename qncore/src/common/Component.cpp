@@ -2,6 +2,7 @@
 // initialised modules, and the component libraries loaded on their behalf.
 #include "Platform.h"
 
+#include <algorithm>
 #include <map>
 #include <mutex>
 #include <set>
@@ -201,6 +202,26 @@ QN_EXTERN_C QNRESULT QN_STDCALL QNComRevokeClassObject(const QNGUID* clsid) {
             s.classObjects.erase(it);
         }
         object->Release();
+        return QN_S_OK;
+    });
+}
+
+QN_EXTERN_C QNRESULT QN_STDCALL QNModuleGetFileNameW(const void* address, QNWCHAR* buffer,
+                                                     int32_t size) {
+    if (!buffer)
+        return QN_E_POINTER;
+    if (size <= 0)
+        return QN_E_BUFFERTOOSMALL;
+    buffer[0] = 0;
+    return qncore::guard([&] {
+        std::u16string path;
+        const QNRESULT r = qncore::platform::moduleFileName(address, &path);
+        if (QN_FAILED(r))
+            return r;
+        if (path.size() >= static_cast<size_t>(size))
+            return QN_E_BUFFERTOOSMALL;
+        std::copy(path.begin(), path.end(), buffer);
+        buffer[path.size()] = 0;
         return QN_S_OK;
     });
 }

@@ -22,7 +22,7 @@ template <class Body> QNRESULT guard(Body&& body) noexcept {
     }
 }
 
-enum class Kind : uint32_t { Mutex = 1, Semaphore, Event, Gate, RWLock, Condition };
+enum class Kind : uint32_t { Mutex = 1, Semaphore, Event, Gate, RWLock, Condition, Thread };
 
 // An object behind one or more handles. Named objects are shared by all users of the name and
 // are destroyed with their last user.

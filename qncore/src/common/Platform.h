@@ -19,5 +19,7 @@ QNRESULT unregisterClass(const QNGUID& clsid);
 void* loadLibrary(const std::u16string& path, QNRESULT* result);
 void* findSymbol(void* library, const char* name);
 void freeLibrary(void* library);
+// The path of the loaded file containing address; QN_E_FILENOTFOUND when none does.
+QNRESULT moduleFileName(const void* address, std::u16string* path);
 
 } // namespace qncore::platform

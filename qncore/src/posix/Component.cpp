@@ -2,6 +2,7 @@
 #include "ComponentStore.h"
 #include "common/Platform.h"
 
+#include <cstdlib>
 #include <dlfcn.h>
 #include <unistd.h>
 
@@ -130,6 +131,17 @@ void* findSymbol(void* library, const char* name) {
 
 void freeLibrary(void* library) {
     dlclose(library);
+}
+
+QNRESULT moduleFileName(const void* address, std::u16string* path) {
+    Dl_info info{};
+    if (!address || dladdr(address, &info) == 0 || !info.dli_fname || !*info.dli_fname)
+        return QN_E_FILENOTFOUND;
+    // The loader keeps the name it was given, which may be relative to a directory since left.
+    char* full = realpath(info.dli_fname, nullptr);
+    *path = toUtf16(full ? full : info.dli_fname);
+    std::free(full);
+    return QN_S_OK;
 }
 
 } // namespace qncore::platform

@@ -201,4 +201,23 @@ void freeLibrary(void* library) {
     FreeLibrary(static_cast<HMODULE>(library));
 }
 
+QNRESULT moduleFileName(const void* address, std::u16string* path) {
+    HMODULE module = nullptr;
+    if (!address || !GetModuleHandleExW(GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS |
+                                             GET_MODULE_HANDLE_EX_FLAG_UNCHANGED_REFCOUNT,
+                                         static_cast<LPCWSTR>(address), &module))
+        return QN_E_FILENOTFOUND;
+    std::vector<wchar_t> name(MAX_PATH);
+    for (;;) {
+        const DWORD length = GetModuleFileNameW(module, name.data(), static_cast<DWORD>(name.size()));
+        if (length == 0)
+            return win32::lastResult();
+        if (length < name.size()) {
+            path->assign(reinterpret_cast<const char16_t*>(name.data()), length);
+            return QN_S_OK;
+        }
+        name.resize(name.size() * 2);
+    }
+}
+
 } // namespace qncore::platform
