@@ -3,6 +3,9 @@
 // begin with "CQN" are short component names; the others are qualified class names. Three fault
 // exceptions stand twice, first with a factory: the first registration wins, so their
 // descriptors have one.
+#include "qn/collections/xcom/ArrayList.h"
+#include "qn/collections/xcom/HashMap.h"
+#include "qn/collections/xcom/LinkedList.h"
 #include "qn/core/ClassManagerBase.h"
 #include "qn/core/Exception.h"
 #include "qn/core/Library.h"
@@ -10,6 +13,7 @@
 #include "qn/core/String.h"
 #include "qn/sync/Mutex.h"
 #include "qn/sync/ReaderWriterLock.h"
+#include "qn/util/Comparator.h"
 #include "qn/util/MTByteBuffer.h"
 #include "qn/util/MTCharBuffer.h"
 #include "qn/util/ROByteBuffer.h"
@@ -41,18 +45,30 @@ template <class T> ClassRow rowMade(const char16_t* name) {
 void registerBuiltinClasses() {
     using namespace util;
     namespace charset = text::charset;
+    namespace coll = collections::xcom;
     static const ClassRow rows[] = {
         row<AbstractByteBuffer>(u"CQNAbstractByteBuffer"),
         row<AbstractCharBuffer>(u"CQNAbstractCharBuffer"),
+        rowMade<coll::ArrayList>(u"CQNArrayList"),
         row<Class>(u"qn::Class"),
+        row<coll::Collection>(u"CQNCollection"),
         row<ComObject>(u"CQNComObject"),
+        row<Comparator>(u"CQNComparator"),
+        row<coll::ConstIterator>(u"CQNConstIterator"),
+        row<coll::ConstListIterator>(u"CQNConstListIterator"),
         row<Double>(u"CQNDouble"),
         row<Float>(u"CQNFloat"),
+        rowMade<coll::HashMap>(u"CQNHashMap"),
         row<Integer16>(u"CQNInteger16"),
         row<Integer32>(u"CQNInteger32"),
         row<Integer64>(u"CQNInteger64"),
         row<Integer8>(u"CQNInteger8"),
+        row<coll::Iterator>(u"CQNIterator"),
+        rowMade<coll::LinkedList>(u"CQNLinkedList"),
+        row<coll::List>(u"CQNList"),
+        row<coll::ListIterator>(u"CQNListIterator"),
         row<sync::LockObject>(u"CQNLockObject"),
+        row<coll::Map>(u"CQNMap"),
         rowMade<MTByteBuffer>(u"CQNMTByteBuffer"),
         rowMade<MTCharBuffer>(u"CQNMTCharBuffer"),
         rowMade<sync::Mutex>(u"CQNMutex"),
@@ -63,6 +79,7 @@ void registerBuiltinClasses() {
         rowMade<RWByteBuffer>(u"CQNRWByteBuffer"),
         rowMade<RWCharBuffer>(u"CQNRWCharBuffer"),
         rowMade<sync::ReaderWriterLock>(u"CQNRWLock"),
+        row<coll::Set>(u"CQNSet"),
         row<SignedInteger>(u"CQNSignedInteger"),
         rowMade<String>(u"CQNString"),
         row<sync::Object>(u"CQNSyncObject"),

@@ -1,0 +1,73 @@
+// HashChains: the table under IntegerHashMap and StringHashMap. All nodes live in one doubly
+// linked list, and each bucket is a run of consecutive nodes in it, recorded by its first and
+// last node, so a look-up walks only its bucket's run and iteration walks the list. Nodes keep
+// their key's hash: growing redistributes them without hashing a key again.
+#pragma once
+
+#include "qn/core/Config.h"
+
+#include <cstdint>
+#include <memory>
+
+namespace qn::collections {
+
+class QNCL_API HashChains {
+public:
+    // The part of a node that the table owns; the maps derive their nodes from it.
+    struct Node {
+        Node* next;
+        Node* previous;
+        uint32_t hash;
+    };
+    // A bucket's run: both null when the bucket is empty.
+    struct Bucket {
+        Node* first;
+        Node* last;
+    };
+
+    static const int32_t MAX_CAPACITY = 536870911;
+
+    // capacity empty buckets (at least 1); threshold = truncate(capacity * load).
+    HashChains(int32_t capacity, float load);
+    HashChains(const HashChains&) = delete;
+    HashChains& operator=(const HashChains&) = delete;
+    ~HashChains();
+
+    int32_t getSize() const noexcept { return m_size; }
+    int32_t getCapacity() const noexcept { return m_capacity; }
+    int32_t getThreshold() const noexcept { return m_threshold; }
+    float getLoadFactor() const noexcept { return m_loadFactor; }
+
+    const Bucket& bucketFor(uint32_t hash) const noexcept {
+        return m_buckets[hash % static_cast<uint32_t>(m_capacity)];
+    }
+    // The list in order: from begin() to end() (the sentinel, not a node).
+    Node* begin() const noexcept { return m_list.next; }
+    const Node* end() const noexcept { return &m_list; }
+
+    // Links node (its hash set) into its bucket's run, first growing the table when the size
+    // has reached the threshold.
+    void insert(Node* node);
+    // Unlinks node; the caller frees it.
+    void unlink(Node* node) noexcept;
+    // Forgets every node (the caller frees them) and empties every bucket; the capacity stays.
+    void reset() noexcept;
+    // 2n + 1 buckets, nodes redistributed by their stored hashes; std::length_error beyond
+    // MAX_CAPACITY.
+    void rehash();
+    // n empty buckets; threshold = truncate(n * load). The nodes are not touched.
+    void allocTable(int32_t n);
+
+private:
+    // Links node into its bucket's run, after its last node, or at the end of the list.
+    void place(Node* node) noexcept;
+
+    float m_loadFactor;
+    int32_t m_capacity = 0;
+    int32_t m_threshold = 0;
+    int32_t m_size = 0;
+    Node m_list;
+    std::unique_ptr<Bucket[]> m_buckets;
+};
+
+} // namespace qn::collections
