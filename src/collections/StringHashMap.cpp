@@ -37,9 +37,8 @@ bool StringHashMap::keysEqual(const String& key, const char16_t* text, int32_t l
     return key.equals(text, length, ignoreCase);
 }
 
-StringHashMap::Node* StringHashMap::find(const char16_t* key, int32_t length) const {
-    length = units::measure(key, length);
-    const uint32_t hash = units::hash(key, length, false);
+StringHashMap::Node* StringHashMap::find(const char16_t* key, int32_t length,
+                                         uint32_t hash) const {
     const HashChains::Bucket& bucket = m_chains.bucketFor(hash);
     for (HashChains::Node* node = bucket.first; node; node = node->next) {
         if (node->hash == hash) {
@@ -53,6 +52,11 @@ StringHashMap::Node* StringHashMap::find(const char16_t* key, int32_t length) co
             break;
     }
     return nullptr;
+}
+
+StringHashMap::Node* StringHashMap::find(const char16_t* key, int32_t length) const {
+    length = units::measure(key, length);
+    return find(key, length, units::hash(key, length, false));
 }
 
 void StringHashMap::clear() {
@@ -78,12 +82,12 @@ Reference<Object> StringHashMap::get(const char16_t* key, int32_t length) const 
 }
 
 Reference<Object> StringHashMap::put(const String& key, Object* value) {
-    if (Node* node = find(key.getData(), key.getLength())) {
+    const uint32_t hash = units::hash(key.getData(), key.getLength(), false);
+    if (Node* node = find(key.getData(), key.getLength(), hash)) {
         Reference<Object> previous = std::move(node->value);
         node->value = value;
         return previous;
     }
-    const uint32_t hash = units::hash(key.getData(), key.getLength(), false);
     std::unique_ptr<Node> node(new Node{{nullptr, nullptr, hash}, key, value});
     m_chains.insert(node.get());
     node.release();
