@@ -215,6 +215,42 @@ TEST_F(HashMapTest, HashSetIsTheKeysOfItsMap) {
     EXPECT_FALSE(set->contains(nullptr));
 }
 
+// Each object answers exactly the interfaces it implements, and IQNComparable through Object.
+TEST_F(HashMapTest, InterfaceQueries) {
+    Reference<ArrayList> list(new ArrayList());
+    Reference<HashMap> map(new HashMap());
+    Reference<HashSet> set(new HashSet());
+    Reference<Iterator> listIt = list->createIterator();
+    Reference<Iterator> mapIt = map->createEntrySet()->createIterator();
+    struct Case {
+        IQNUnknown* object;
+        const QNGUID* iid;
+        bool answered;
+    };
+    const Case cases[] = {
+        {list->GetUnknown(), &IID_List, true},          {list->GetUnknown(), &IID_Collection, true},
+        {list->GetUnknown(), &IID_IQNComparable, true}, {list->GetUnknown(), &IID_Set, false},
+        {map->GetUnknown(), &IID_Map, true},            {map->GetUnknown(), &IID_Collection, false},
+        {set->GetUnknown(), &IID_Set, true},            {set->GetUnknown(), &IID_List, false},
+        {listIt.get(), &IID_ListIterator, true},        {listIt.get(), &IID_ConstIterator, true},
+        {mapIt.get(), &IID_Iterator, true},             {mapIt.get(), &IID_ListIterator, false},
+    };
+    for (size_t i = 0; i < sizeof cases / sizeof cases[0]; ++i) {
+        void* out = nullptr;
+        const QNRESULT result = cases[i].object->QueryInterface(*cases[i].iid, &out);
+        EXPECT_EQ(result == QN_S_OK, cases[i].answered) << "case " << i;
+        EXPECT_EQ(out != nullptr, cases[i].answered) << "case " << i;
+        if (out)
+            static_cast<IQNUnknown*>(out)->Release();
+    }
+    void* out = nullptr;
+    ASSERT_EQ(list->GetUnknown()->QueryInterface(IID_Collection, &out), QN_S_OK);
+    Reference<Collection> viaQuery;
+    viaQuery.attach(static_cast<Collection*>(out));
+    viaQuery->add(nullptr);
+    EXPECT_EQ(list->getSize(), 1);
+}
+
 TEST_F(HashMapTest, RegisteredClasses) {
     Reference<Object> list(Class::forName(u"CQNArrayList")->createInstance());
     EXPECT_NE(dynamic_cast<ArrayList*>(list.get()), nullptr);

@@ -83,6 +83,29 @@ TEST_F(KeyedMapTest, StringLookUpByPointerAndLength) {
     EXPECT_TRUE(keys->contains(String::CQNString(u"name")->GetUnknown()));
 }
 
+TEST_F(KeyedMapTest, StringMapGrowsAndKeepsEveryKey) {
+    StringHashMap map(1);
+    Reference<Item> v = item(0);
+    std::vector<String> keys;
+    for (int i = 0; i < 300; ++i) {
+        keys.push_back(String::valueOf(i * 7).append(u"-key"));
+        map.put(keys.back(), v.get());
+    }
+    // 1 -> 3 -> 7 -> 15 -> 31 -> 63 -> 127 -> 255 -> 511.
+    EXPECT_EQ(map.getCapacity(), 511);
+    for (const String& key : keys)
+        ASSERT_TRUE(map.containsKey(key.getData(), key.getLength()));
+    for (size_t i = 0; i < keys.size(); i += 3)
+        map.remove(keys[i]);
+    EXPECT_EQ(map.getSize(), 200);
+    EXPECT_EQ(map.createKeySet()->getSize(), 200);
+    for (size_t i = 0; i < keys.size(); ++i)
+        ASSERT_EQ(map.containsKey(keys[i]), i % 3 != 0) << i;
+    map.clear();
+    EXPECT_EQ(v->GetRefCount(), 1u);
+    EXPECT_EQ(map.getCapacity(), 511);
+}
+
 TEST_F(KeyedMapTest, IntegerKeysShareBucketsByRemainder) {
     IntegerHashMap map;
     Reference<Item> five = item(5);

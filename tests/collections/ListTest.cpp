@@ -238,6 +238,22 @@ TYPED_TEST(ListTest, CopiesShareTheComparatorAndTakeNewReferences) {
     }
 }
 
+// Removing through one iterator invalidates every other iterator and view of the list.
+TYPED_TEST(ListTest, OneIteratorsChangeEndsTheOthers) {
+    Reference<TypeParam> list = this->make({1, 2, 3, 4});
+    Reference<ListIterator> a = list->createListIterator(4);
+    Reference<ConstIterator> b = list->createConstIterator();
+    Reference<List> sub = list->createSubList(0, 2);
+    EXPECT_EQ(valueOf(a->previous()), 4);
+    EXPECT_EQ(valueOf(a->previous()), 3);
+    a->remove();
+    EXPECT_EQ(a->nextIndex(), 2);
+    EXPECT_EQ(valueOf(a->next()), 4);
+    EXPECT_THROW(b->next(), Exception);
+    EXPECT_THROW(sub->get(0), Exception);
+    EXPECT_EQ(this->values(*list), (std::vector<int>{1, 2, 4}));
+}
+
 class ArrayListTest : public Balanced {};
 
 TEST_F(ArrayListTest, CapacityGrowsByHalf) {
