@@ -5,7 +5,7 @@
 namespace qn::collections {
 
 HashChains::HashChains(int32_t capacity, float load)
-    : m_loadFactor(load), m_list{&m_list, &m_list, 0} {
+    : m_loadFactor(load > 0.0f ? load : 0.75f), m_list{&m_list, &m_list, 0} {
     allocTable(capacity < 1 ? 1 : capacity);
 }
 

@@ -140,24 +140,37 @@ private:
     Reference<HashMapEntry> m_last;
 };
 
-HashMap::HashMap(int capacity, float load) : m_loadFactor(load) {
-    allocTable(capacity);
+namespace {
+
+// A load factor that is not above 0 (or NaN) would grow the table on every insertion.
+float usableLoad(float load) {
+    return load > 0.0f ? load : HashMap::DEFAULT_LOAD;
+}
+
+int usableCapacity(int capacity) {
+    return capacity < 1 ? 1 : capacity;
+}
+
+} // namespace
+
+HashMap::HashMap(int capacity, float load) : m_loadFactor(usableLoad(load)) {
+    allocTable(usableCapacity(capacity));
 }
 
 HashMap::HashMap(const IQNComparator* keyComparator, const IQNComparator* valueComparator,
                  int capacity, float load)
-    : AbstractMap(keyComparator, valueComparator), m_loadFactor(load) {
-    allocTable(capacity);
+    : AbstractMap(keyComparator, valueComparator), m_loadFactor(usableLoad(load)) {
+    allocTable(usableCapacity(capacity));
 }
 
-HashMap::HashMap(const Map& map, float load) : m_loadFactor(load) {
+HashMap::HashMap(const Map& map, float load) : m_loadFactor(usableLoad(load)) {
     allocTable(calcCapacity(map.getSize()));
     putAll(map);
 }
 
 HashMap::HashMap(const Map& map, const IQNComparator* keyComparator,
                  const IQNComparator* valueComparator, float load)
-    : AbstractMap(keyComparator, valueComparator), m_loadFactor(load) {
+    : AbstractMap(keyComparator, valueComparator), m_loadFactor(usableLoad(load)) {
     allocTable(calcCapacity(map.getSize()));
     putAll(map);
 }

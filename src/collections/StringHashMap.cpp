@@ -37,8 +37,7 @@ bool StringHashMap::keysEqual(const String& key, const char16_t* text, int32_t l
     return key.equals(text, length, ignoreCase);
 }
 
-StringHashMap::Node* StringHashMap::find(const char16_t* key, int32_t length,
-                                         uint32_t hash) const {
+StringHashMap::Node* StringHashMap::find(const char16_t* key, int32_t length, uint32_t hash) const {
     const HashChains::Bucket& bucket = m_chains.bucketFor(hash);
     for (HashChains::Node* node = bucket.first; node; node = node->next) {
         if (node->hash == hash) {

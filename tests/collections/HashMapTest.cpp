@@ -40,6 +40,13 @@ TEST_F(HashMapTest, GrowsAtTheThresholdAndFindsEveryKey) {
     for (size_t i = 0; i < keys.size(); ++i)
         EXPECT_EQ(valueOf(map->get(unk(item(keys[i]->value())))), static_cast<int>(i) + 1);
     EXPECT_EQ(map->getSize(), 306);
+    // A capacity and a load factor that would divide by zero or grow on every put are taken as
+    // 1 and 0.75.
+    Reference<HashMap> tiny(new HashMap(0, -1.0f));
+    for (int i = 0; i < 10; ++i)
+        tiny->put(unk(item(i)), nullptr);
+    EXPECT_EQ(tiny->getCapacity(), 15);
+    EXPECT_EQ(tiny->getSize(), 10);
 }
 
 TEST_F(HashMapTest, PutOfAPresentKeyReplacesOnlyTheValue) {
@@ -228,12 +235,18 @@ TEST_F(HashMapTest, InterfaceQueries) {
         bool answered;
     };
     const Case cases[] = {
-        {list->GetUnknown(), &IID_List, true},          {list->GetUnknown(), &IID_Collection, true},
-        {list->GetUnknown(), &IID_IQNComparable, true}, {list->GetUnknown(), &IID_Set, false},
-        {map->GetUnknown(), &IID_Map, true},            {map->GetUnknown(), &IID_Collection, false},
-        {set->GetUnknown(), &IID_Set, true},            {set->GetUnknown(), &IID_List, false},
-        {listIt.get(), &IID_ListIterator, true},        {listIt.get(), &IID_ConstIterator, true},
-        {mapIt.get(), &IID_Iterator, true},             {mapIt.get(), &IID_ListIterator, false},
+        {list->GetUnknown(), &IID_List, true},
+        {list->GetUnknown(), &IID_Collection, true},
+        {list->GetUnknown(), &IID_IQNComparable, true},
+        {list->GetUnknown(), &IID_Set, false},
+        {map->GetUnknown(), &IID_Map, true},
+        {map->GetUnknown(), &IID_Collection, false},
+        {set->GetUnknown(), &IID_Set, true},
+        {set->GetUnknown(), &IID_List, false},
+        {listIt.get(), &IID_ListIterator, true},
+        {listIt.get(), &IID_ConstIterator, true},
+        {mapIt.get(), &IID_Iterator, true},
+        {mapIt.get(), &IID_ListIterator, false},
     };
     for (size_t i = 0; i < sizeof cases / sizeof cases[0]; ++i) {
         void* out = nullptr;

@@ -27,7 +27,8 @@ public:
 
     static const int32_t MAX_CAPACITY = 536870911;
 
-    // capacity empty buckets (at least 1); threshold = truncate(capacity * load).
+    // capacity empty buckets (at least 1); threshold = truncate(capacity * load). A load factor
+    // not above 0 is taken as 0.75.
     HashChains(int32_t capacity, float load);
     HashChains(const HashChains&) = delete;
     HashChains& operator=(const HashChains&) = delete;

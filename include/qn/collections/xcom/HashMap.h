@@ -13,7 +13,7 @@
 //    HashMap is 0.
 //  - Iteration runs from the last bucket down to bucket 0 and, inside a bucket, from the most
 //    recently inserted key.
-//  - A capacity below 1 is not supported.
+//  - A capacity below 1 is taken as 1, and a load factor not above 0 as 0.75.
 #pragma once
 
 #include "qn/collections/xcom/AbstractMap.h"
