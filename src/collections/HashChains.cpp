@@ -5,7 +5,7 @@
 namespace qn::collections {
 
 HashChains::HashChains(int32_t capacity, float load)
-    : m_loadFactor(load > 0.0f ? load : 0.75f), m_list{&m_list, &m_list, 0} {
+    : m_loadFactor(load > 0.0f ? load : 0.75f), m_list{&m_list, &m_list, 0, NO_BUCKET} {
     allocTable(capacity < 1 ? 1 : capacity);
 }
 
@@ -14,21 +14,20 @@ HashChains::~HashChains() = default;
 void HashChains::allocTable(int32_t n) {
     if (n > MAX_CAPACITY)
         throw std::length_error("hash table too large");
-    m_buckets.reset(new Bucket[static_cast<size_t>(n)]());
+    m_buckets.reset(new Node*[static_cast<size_t>(n)]());
     m_capacity = n;
     m_threshold = static_cast<int32_t>(static_cast<float>(n) * m_loadFactor);
 }
 
 void HashChains::place(Node* node) noexcept {
-    Bucket& bucket = m_buckets[node->hash % static_cast<uint32_t>(m_capacity)];
-    Node* before = bucket.last ? bucket.last : m_list.previous;
-    node->previous = before;
-    node->next = before->next;
-    before->next->previous = node;
-    before->next = node;
-    if (!bucket.first)
-        bucket.first = node;
-    bucket.last = node;
+    node->bucket = bucketOf(node->hash);
+    Node*& first = m_buckets[node->bucket];
+    Node* after = first ? first : &m_list;
+    node->next = after;
+    node->previous = after->previous;
+    after->previous->next = node;
+    after->previous = node;
+    first = node;
 }
 
 void HashChains::insert(Node* node) {
@@ -39,13 +38,9 @@ void HashChains::insert(Node* node) {
 }
 
 void HashChains::unlink(Node* node) noexcept {
-    Bucket& bucket = m_buckets[node->hash % static_cast<uint32_t>(m_capacity)];
-    if (bucket.first == node && bucket.last == node)
-        bucket.first = bucket.last = nullptr;
-    else if (bucket.first == node)
-        bucket.first = node->next;
-    else if (bucket.last == node)
-        bucket.last = node->previous;
+    Node*& first = m_buckets[node->bucket];
+    if (first == node)
+        first = node->next->bucket == node->bucket ? node->next : nullptr;
     node->previous->next = node->next;
     node->next->previous = node->previous;
     --m_size;
@@ -54,7 +49,7 @@ void HashChains::unlink(Node* node) noexcept {
 void HashChains::reset() noexcept {
     m_list.next = m_list.previous = &m_list;
     for (int32_t i = 0; i < m_capacity; ++i)
-        m_buckets[static_cast<size_t>(i)] = Bucket{nullptr, nullptr};
+        m_buckets[static_cast<size_t>(i)] = nullptr;
     m_size = 0;
 }
 

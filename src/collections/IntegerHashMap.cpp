@@ -29,12 +29,13 @@ void IntegerHashMap::freeNodes() noexcept {
 
 IntegerHashMap::Node* IntegerHashMap::find(int32_t key) const noexcept {
     const uint32_t hash = getKeyHashCode(key);
-    const HashChains::Bucket& bucket = m_chains.bucketFor(hash);
-    for (HashChains::Node* node = bucket.first; node; node = node->next) {
+    const uint32_t bucket = m_chains.bucketOf(hash);
+    HashChains::Node* node = m_chains.first(bucket);
+    if (!node)
+        return nullptr;
+    for (; node->bucket == bucket; node = node->next) {
         if (node->hash == hash && keysEqual(static_cast<Node*>(node)->key, key))
             return static_cast<Node*>(node);
-        if (node == bucket.last)
-            break;
     }
     return nullptr;
 }
@@ -58,7 +59,8 @@ Reference<Object> IntegerHashMap::put(int32_t key, Object* value) {
         node->value = value;
         return previous;
     }
-    std::unique_ptr<Node> node(new Node{{nullptr, nullptr, getKeyHashCode(key)}, key, value});
+    std::unique_ptr<Node> node(
+        new Node{{nullptr, nullptr, getKeyHashCode(key), HashChains::NO_BUCKET}, key, value});
     m_chains.insert(node.get());
     node.release();
     return Reference<Object>();

@@ -38,8 +38,11 @@ bool StringHashMap::keysEqual(const String& key, const char16_t* text, int32_t l
 }
 
 StringHashMap::Node* StringHashMap::find(const char16_t* key, int32_t length, uint32_t hash) const {
-    const HashChains::Bucket& bucket = m_chains.bucketFor(hash);
-    for (HashChains::Node* node = bucket.first; node; node = node->next) {
+    const uint32_t bucket = m_chains.bucketOf(hash);
+    HashChains::Node* node = m_chains.first(bucket);
+    if (!node)
+        return nullptr;
+    for (; node->bucket == bucket; node = node->next) {
         if (node->hash == hash) {
             const String& candidate = static_cast<Node*>(node)->key;
             if (candidate.getLength() == length &&
@@ -47,8 +50,6 @@ StringHashMap::Node* StringHashMap::find(const char16_t* key, int32_t length, ui
                  std::memcmp(candidate.getData(), key, sizeof(char16_t) * length) == 0))
                 return static_cast<Node*>(node);
         }
-        if (node == bucket.last)
-            break;
     }
     return nullptr;
 }
@@ -87,7 +88,8 @@ Reference<Object> StringHashMap::put(const String& key, Object* value) {
         node->value = value;
         return previous;
     }
-    std::unique_ptr<Node> node(new Node{{nullptr, nullptr, hash}, key, value});
+    std::unique_ptr<Node> node(
+        new Node{{nullptr, nullptr, hash, HashChains::NO_BUCKET}, key, value});
     m_chains.insert(node.get());
     node.release();
     return Reference<Object>();

@@ -113,8 +113,8 @@ TEST_F(KeyedMapTest, IntegerKeysShareBucketsByRemainder) {
     map.put(5, five.get());
     map.put(-7, nullptr);
     map.put(106, other.get());
-    // 5 and 106 share bucket 5 and stay together in the list, in insertion order.
-    EXPECT_EQ(keysOf(map), (std::vector<int32_t>{5, 106, -7}));
+    // 5 and 106 share bucket 5 and stay together in the list, the latest first.
+    EXPECT_EQ(keysOf(map), (std::vector<int32_t>{106, 5, -7}));
     EXPECT_EQ(map.get(106).get(), other.get());
     EXPECT_TRUE(map.containsKey(-7));
     EXPECT_EQ(map.remove(5).get(), five.get());

@@ -25,7 +25,7 @@ public:
     virtual void clear();
     virtual bool containsKey(int32_t key) const;
     // A snapshot of the keys as Integer32 objects, in the map's list order (a bucket's keys
-    // together, in insertion order).
+    // together, the latest first).
     virtual Reference<const xcom::Set> createKeySet() const;
     virtual Reference<Object> get(int32_t key) const;
     virtual int getSize() const { return m_chains.getSize(); }

@@ -31,7 +31,7 @@ public:
     virtual bool containsKey(const String& key) const;
     virtual bool containsKey(const char16_t* key, int32_t length = -1) const;
     // A snapshot of the keys as String objects, in the map's list order (a bucket's keys
-    // together, in insertion order).
+    // together, the latest first).
     virtual Reference<const xcom::Set> createKeySet() const;
     virtual Reference<Object> get(const String& key) const;
     virtual Reference<Object> get(const char16_t* key, int32_t length = -1) const;
