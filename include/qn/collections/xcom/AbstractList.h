@@ -4,7 +4,8 @@
 //
 // The modification count rises with every structural change a concrete list makes (set
 // included, appending with add(element) excluded); an iterator remembers it and fails with a
-// plain Exception once the list has changed other than through that iterator.
+// plain Exception once the list has changed other than through that iterator (its own add,
+// remove and set keep it valid).
 #pragma once
 
 #include "qn/collections/xcom/AbstractCollection.h"
