@@ -3,6 +3,9 @@
 // begin with "CQN" are short component names; the others are qualified class names. Three fault
 // exceptions stand twice, first with a factory: the first registration wins, so their
 // descriptors have one.
+#include "qn/collections/xcom/ArrayList.h"
+#include "qn/collections/xcom/HashMap.h"
+#include "qn/collections/xcom/LinkedList.h"
 #include "qn/core/ClassManagerBase.h"
 #include "qn/core/Exception.h"
 #include "qn/core/Library.h"
@@ -26,6 +29,7 @@
 #include "qn/sync/Mutex.h"
 #include "qn/sync/ReaderWriterLock.h"
 #include "qn/sync/Semaphore.h"
+#include "qn/util/Comparator.h"
 #include "qn/util/FilePath.h"
 #include "qn/util/MTByteBuffer.h"
 #include "qn/util/MTCharBuffer.h"
@@ -58,17 +62,23 @@ template <class T> ClassRow rowMade(const char16_t* name) {
 void registerBuiltinClasses() {
     using namespace util;
     namespace charset = text::charset;
+    namespace coll = collections::xcom;
     static const ClassRow rows[] = {
         row<AbstractByteBuffer>(u"CQNAbstractByteBuffer"),
         row<AbstractCharBuffer>(u"CQNAbstractCharBuffer"),
+        rowMade<coll::ArrayList>(u"CQNArrayList"),
         row<io::BufferedInputStream>(u"CQNBufferedInputStream"),
         row<io::BufferedOutputStream>(u"CQNBufferedOutputStream"),
         row<io::ByteArrayInputStream>(u"CQNByteArrayInputStream"),
         rowMade<io::ByteArrayOutputStream>(u"CQNByteArrayOutputStream"),
         row<Class>(u"qn::Class"),
+        row<coll::Collection>(u"CQNCollection"),
         row<xcom::ClassFactory>(u"qn::xcom::ClassFactory"),
         row<xcom::DllModule>(u"CQNComDllModule"),
         row<ComObject>(u"CQNComObject"),
+        row<Comparator>(u"CQNComparator"),
+        row<coll::ConstIterator>(u"CQNConstIterator"),
+        row<coll::ConstListIterator>(u"CQNConstListIterator"),
         row<io::DataInputStream>(u"CQNDataInputStream"),
         row<io::DataOutputStream>(u"CQNDataOutputStream"),
         row<Double>(u"CQNDouble"),
@@ -79,12 +89,18 @@ void registerBuiltinClasses() {
         row<io::FilterOutputStream>(u"CQNFilterOutputStream"),
         row<Float>(u"CQNFloat"),
         rowMade<sync::Gate>(u"CQNGate"),
+        rowMade<coll::HashMap>(u"CQNHashMap"),
         row<io::InputStream>(u"CQNInputStream"),
         row<Integer16>(u"CQNInteger16"),
         row<Integer32>(u"CQNInteger32"),
         row<Integer64>(u"CQNInteger64"),
         row<Integer8>(u"CQNInteger8"),
+        row<coll::Iterator>(u"CQNIterator"),
+        rowMade<coll::LinkedList>(u"CQNLinkedList"),
+        row<coll::List>(u"CQNList"),
+        row<coll::ListIterator>(u"CQNListIterator"),
         row<sync::LockObject>(u"CQNLockObject"),
+        row<coll::Map>(u"CQNMap"),
         rowMade<MTByteBuffer>(u"CQNMTByteBuffer"),
         rowMade<MTCharBuffer>(u"CQNMTCharBuffer"),
         rowMade<sync::Mutex>(u"CQNMutex"),
@@ -99,6 +115,7 @@ void registerBuiltinClasses() {
         rowMade<RWCharBuffer>(u"CQNRWCharBuffer"),
         rowMade<sync::ReaderWriterLock>(u"CQNRWLock"),
         rowMade<sync::Semaphore>(u"CQNSemaphore"),
+        row<coll::Set>(u"CQNSet"),
         row<SignedInteger>(u"CQNSignedInteger"),
         rowMade<io::StdioInputStream>(u"CQNStdioInputStream"),
         rowMade<io::StdioOutputStream>(u"CQNStdioOutputStream"),

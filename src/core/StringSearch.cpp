@@ -90,6 +90,13 @@ template <bool FOLD> uint32_t hashSampled(const char16_t* data, int32_t length, 
 
 } // namespace
 
+uint32_t hash(const char16_t* data, int32_t length, bool ignoreCase) {
+    // Truncated toward zero: every unit below length 64, then a sample of 32 to 63 units.
+    const int32_t step = (length - 32) / 32 + 1;
+    return ignoreCase ? hashSampled<true>(data, length, step)
+                      : hashSampled<false>(data, length, step);
+}
+
 int32_t compare(const char16_t* a, int32_t lengthA, const char16_t* b, int32_t lengthB,
                 bool ignoreCase) {
     const int32_t common = std::min(lengthA, lengthB);
@@ -357,10 +364,7 @@ int32_t String::findFirstOfCase(const char16_t* set, int32_t length, int32_t sta
 
 uint32_t String::hashCode(bool ignoreCase) const {
     const Reader a(*this);
-    // Truncated toward zero: every unit below length 64, then a sample of 32 to 63 units.
-    const int32_t step = (a.length - 32) / 32 + 1;
-    return ignoreCase ? units::hashSampled<true>(a.data, a.length, step)
-                      : units::hashSampled<false>(a.data, a.length, step);
+    return units::hash(a.data, a.length, ignoreCase);
 }
 
 } // namespace qn

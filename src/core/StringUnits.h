@@ -69,6 +69,10 @@ int32_t find(const char16_t* data, int32_t length, int32_t start, const char16_t
 int32_t findLast(const char16_t* data, int32_t length, int32_t start, const char16_t* needle,
                  int32_t needleLength, bool ignoreCase);
 
+// String's hash of a text: h = h * 37 + unit over every unit below length 64, then over every
+// (length - 32) / 32 + 1-th unit from the first, in wrapping 32-bit arithmetic; 0 when empty.
+uint32_t hash(const char16_t* data, int32_t length, bool ignoreCase);
+
 // Membership in a set of units: a bitmap below 256, a list above.
 class UnitSet {
 public:

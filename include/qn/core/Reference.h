@@ -1,8 +1,10 @@
 // Reference<T>: the owning handle of one counted reference. Holding takes a reference with
-// AddRef, dropping the holder gives it back with Release.
+// AddRef, dropping the holder gives it back with Release. T may be const: counting does not
+// change what the object is, so a Reference<const T> counts it as Reference<T> does.
 #pragma once
 
 #include <cstddef>
+#include <type_traits>
 #include <utility>
 
 namespace qn {
@@ -28,7 +30,7 @@ public:
             m_object = other.m_object;
             other.m_object = nullptr;
             if (old)
-                old->Release();
+                counted(old)->Release();
         }
         return *this;
     }
@@ -39,11 +41,11 @@ public:
     // resetting to the object already held is safe.
     Reference& reset(T* object = nullptr) noexcept {
         if (object)
-            object->AddRef();
+            counted(object)->AddRef();
         T* old = m_object;
         m_object = object;
         if (old)
-            old->Release();
+            counted(old)->Release();
         return *this;
     }
     // Takes over a reference the caller already owns, without AddRef.
@@ -69,15 +71,18 @@ public:
     bool operator!=(std::nullptr_t) const noexcept { return m_object != nullptr; }
 
 private:
+    static std::remove_const_t<T>* counted(T* object) noexcept {
+        return const_cast<std::remove_const_t<T>*>(object);
+    }
     void acquire() noexcept {
         if (m_object)
-            m_object->AddRef();
+            counted(m_object)->AddRef();
     }
     void drop() noexcept {
         if (m_object) {
             T* old = m_object;
             m_object = nullptr;
-            old->Release();
+            counted(old)->Release();
         }
     }
 
