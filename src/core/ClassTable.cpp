@@ -10,6 +10,12 @@
 #include "qn/core/String.h"
 #include "qn/sync/Mutex.h"
 #include "qn/sync/ReaderWriterLock.h"
+#include "qn/text/charset/BTCUTF16.h"
+#include "qn/text/charset/BTCUTF32.h"
+#include "qn/text/charset/BTCUTF8.h"
+#include "qn/text/charset/CTBUTF16.h"
+#include "qn/text/charset/CTBUTF32.h"
+#include "qn/text/charset/CTBUTF8.h"
 #include "qn/util/MTByteBuffer.h"
 #include "qn/util/MTCharBuffer.h"
 #include "qn/util/ROByteBuffer.h"
@@ -44,6 +50,8 @@ void registerBuiltinClasses() {
     static const ClassRow rows[] = {
         row<AbstractByteBuffer>(u"CQNAbstractByteBuffer"),
         row<AbstractCharBuffer>(u"CQNAbstractCharBuffer"),
+        row<charset::ByteToCharConverter>(u"CQNByteToCharConverter"),
+        row<charset::CharToByteConverter>(u"CQNCharToByteConverter"),
         row<Class>(u"qn::Class"),
         row<ComObject>(u"CQNComObject"),
         row<Double>(u"CQNDouble"),
@@ -106,6 +114,16 @@ void registerBuiltinClasses() {
             u"qn::text::charset::UnmappableCharacterException"),
         rowMade<UnsupportedOperationException>(u"qn::UnsupportedOperationException"),
         row<UserAbortException>(u"qn::UserAbortException"),
+        rowMade<charset::BTCUTF8>(u"qn::text::charset::BTCUTF8"),
+        rowMade<charset::CTBUTF8>(u"qn::text::charset::CTBUTF8"),
+        rowMade<charset::CTBUTF16LE>(u"qn::text::charset::CTBUTF16LE"),
+        rowMade<charset::BTCUTF16LE>(u"qn::text::charset::BTCUTF16LE"),
+        rowMade<charset::CTBUTF16BE>(u"qn::text::charset::CTBUTF16BE"),
+        rowMade<charset::BTCUTF16BE>(u"qn::text::charset::BTCUTF16BE"),
+        rowMade<charset::CTBUTF32LE>(u"qn::text::charset::CTBUTF32LE"),
+        rowMade<charset::BTCUTF32LE>(u"qn::text::charset::BTCUTF32LE"),
+        rowMade<charset::CTBUTF32BE>(u"qn::text::charset::CTBUTF32BE"),
+        rowMade<charset::BTCUTF32BE>(u"qn::text::charset::BTCUTF32BE"),
     };
     ClassManagerBase& registry = classRegistry();
     for (const ClassRow& r : rows)

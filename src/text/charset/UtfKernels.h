@@ -1,0 +1,354 @@
+// The conversion loops of the UTF converters, as templates so that the converters, the
+// benchmarks and the fuzzers run the same code. Each loop works on the caller's copies of the
+// positions (i, o) and leaves them at the start of the unit it stopped at, or of the offending
+// unit when it throws; runConvert stores them back in both cases.
+//
+// The UTF-8 loops have a fast form (Fast = true) that moves runs of ASCII a block at a time:
+// sixteen units at a time with SSE2, a machine word at a time elsewhere (the 32-bit target). It
+// must agree with the simple form byte for byte and position for position.
+#pragma once
+
+#include "qn/core/Exception.h"
+
+#include <algorithm>
+#include <cstdint>
+#include <cstring>
+
+#if defined(__SSE2__) || defined(_M_X64)
+#include <emmintrin.h>
+#define QNCL_UTF_SSE2 1
+#endif
+
+namespace qn::text::charset::utf {
+
+// Runs body(i, o) over copies of the positions and stores them back, also when body throws.
+// The result is the number of output units written.
+template <class Body> long runConvert(long* inPos, long* outPos, Body&& body) {
+    long i = *inPos;
+    long o = *outPos;
+    try {
+        body(i, o);
+    } catch (...) {
+        *inPos = i;
+        *outPos = o;
+        throw;
+    }
+    const long written = o - *outPos;
+    *inPos = i;
+    *outPos = o;
+    return written;
+}
+
+inline bool isHighSurrogate(uint32_t unit) {
+    return unit - 0xD800u < 0x400u;
+}
+inline bool isLowSurrogate(uint32_t unit) {
+    return unit - 0xDC00u < 0x400u;
+}
+inline bool isSurrogate(uint32_t value) {
+    return value - 0xD800u < 0x800u;
+}
+
+[[noreturn]] inline void throwInvalid(const STRUCT_QN_STR_LIT_INFO& message) {
+    throw InvalidCharacterException(String(message));
+}
+
+// The pairing step of the encoders that combine surrogates. False when unit is a high surrogate
+// that is now pending (consumed, nothing to write); otherwise value is the code point to write.
+// A pending surrogate not followed by a low one is dropped and the unit refused.
+inline bool pairSurrogates(char16_t unit, char16_t& pending, uint32_t& value) {
+    if (pending != 0) {
+        if (!isLowSurrogate(unit)) {
+            pending = 0;
+            throwInvalid(QN_STR_LIT(u"leading surrogate without trailing"));
+        }
+        value = (static_cast<uint32_t>(pending) << 10) + unit - 0x35FDC00u;
+        pending = 0;
+        return true;
+    }
+    if (isHighSurrogate(unit)) {
+        pending = unit;
+        return false;
+    }
+    value = unit;
+    return true;
+}
+
+// Writes a code point above U+FFFF: a surrogate pair, or for U+110000 and above the
+// substitution run (substitute(out, o, outEnd) writes it, or says stop, or throws). False: stop.
+template <class Substitute>
+bool writeSupplementary(uint32_t value, char16_t* out, long& o, long outEnd,
+                        Substitute& substitute) {
+    if (value >= 0x110000u)
+        return substitute(out, o, outEnd);
+    if (outEnd - o < 2)
+        return false;
+    out[o] = static_cast<char16_t>(((value - 0x10000u) >> 10) + 0xD800u);
+    out[o + 1] = static_cast<char16_t>((value & 0x3FFu) + 0xDC00u);
+    o += 2;
+    return true;
+}
+
+// The sequence length of each lead byte; 0 for bytes that never lead.
+struct Utf8Lengths {
+    uint8_t length[256];
+    constexpr Utf8Lengths() : length() {
+        for (int b = 0; b < 256; ++b)
+            length[b] = b < 0x80 ? 1 : b < 0xC2 ? 0 : b < 0xE0 ? 2 : b < 0xF0 ? 3 : b < 0xF5 ? 4 : 0;
+    }
+};
+inline constexpr Utf8Lengths UTF8_LENGTHS{};
+
+inline bool isContinuation(uint32_t byte) {
+    return byte - 0x80u < 0x40u;
+}
+
+// Widens the ASCII run at in[i] into out[o] while both have room.
+inline void widenAscii(const uint8_t* in, long& i, long inEnd, char16_t* out, long& o,
+                       long outEnd) {
+    const long n = std::min(inEnd - i, outEnd - o);
+    const uint8_t* from = in + i;
+    char16_t* to = out + o;
+    long k = 0;
+#ifdef QNCL_UTF_SSE2
+    const __m128i zero = _mm_setzero_si128();
+    for (; k + 16 <= n; k += 16) {
+        const __m128i bytes = _mm_loadu_si128(reinterpret_cast<const __m128i*>(from + k));
+        if (_mm_movemask_epi8(bytes) != 0)
+            break;
+        _mm_storeu_si128(reinterpret_cast<__m128i*>(to + k), _mm_unpacklo_epi8(bytes, zero));
+        _mm_storeu_si128(reinterpret_cast<__m128i*>(to + k + 8), _mm_unpackhi_epi8(bytes, zero));
+    }
+#else
+    constexpr uintptr_t highBits = static_cast<uintptr_t>(0x8080808080808080ull);
+    for (; k + static_cast<long>(sizeof(uintptr_t)) <= n; k += sizeof(uintptr_t)) {
+        uintptr_t word;
+        std::memcpy(&word, from + k, sizeof word);
+        if ((word & highBits) != 0)
+            break;
+        for (size_t j = 0; j < sizeof word; ++j)
+            to[k + j] = from[k + j];
+    }
+#endif
+    while (k < n && from[k] < 0x80) {
+        to[k] = from[k];
+        ++k;
+    }
+    i += k;
+    o += k;
+}
+
+// Narrows the ASCII run at in[i] into out[o] while both have room.
+inline void narrowAscii(const char16_t* in, long& i, long inEnd, uint8_t* out, long& o,
+                        long outEnd) {
+    const long n = std::min(inEnd - i, outEnd - o);
+    const char16_t* from = in + i;
+    uint8_t* to = out + o;
+    long k = 0;
+#ifdef QNCL_UTF_SSE2
+    const __m128i nonAscii = _mm_set1_epi16(static_cast<short>(0xFF80));
+    const __m128i zero = _mm_setzero_si128();
+    for (; k + 16 <= n; k += 16) {
+        const __m128i low = _mm_loadu_si128(reinterpret_cast<const __m128i*>(from + k));
+        const __m128i high = _mm_loadu_si128(reinterpret_cast<const __m128i*>(from + k + 8));
+        const __m128i outside = _mm_and_si128(_mm_or_si128(low, high), nonAscii);
+        if (_mm_movemask_epi8(_mm_cmpeq_epi16(outside, zero)) != 0xFFFF)
+            break;
+        _mm_storeu_si128(reinterpret_cast<__m128i*>(to + k), _mm_packus_epi16(low, high));
+    }
+#else
+    constexpr uint64_t highBits = 0xFF80FF80FF80FF80ull;
+    for (; k + 4 <= n; k += 4) {
+        uint64_t word;
+        std::memcpy(&word, from + k, sizeof word);
+        if ((word & highBits) != 0)
+            break;
+        for (long j = 0; j < 4; ++j)
+            to[k + j] = static_cast<uint8_t>(from[k + j]);
+    }
+#endif
+    while (k < n && from[k] < 0x80) {
+        to[k] = static_cast<uint8_t>(from[k]);
+        ++k;
+    }
+    i += k;
+    o += k;
+}
+
+// UTF-8 to UTF-16 (the rules are listed in BTCUTF8.h).
+template <bool Fast, class Substitute>
+void decodeUtf8(const uint8_t* in, long& i, long inEnd, char16_t* out, long& o, long outEnd,
+                Substitute&& substitute) {
+    while (i < inEnd) {
+        if constexpr (Fast) {
+            if (in[i] < 0x80) {
+                widenAscii(in, i, inEnd, out, o, outEnd);
+                if (i >= inEnd)
+                    return;
+            }
+        }
+        const uint32_t b0 = in[i];
+        const int length = UTF8_LENGTHS.length[b0];
+        if (length > inEnd - i)
+            return;
+        uint32_t value = 0xFFFD;
+        int used = 1;
+        switch (length) {
+        case 1:
+            value = b0;
+            break;
+        case 2:
+            if (isContinuation(in[i + 1])) {
+                value = (b0 << 6) + in[i + 1] - 0x3080u;
+                used = 2;
+            }
+            break;
+        case 3:
+            if (isContinuation(in[i + 1]) && isContinuation(in[i + 2])) {
+                value = (((b0 << 6) + in[i + 1]) << 6) + in[i + 2] - 0xE2080u;
+                used = 3;
+            }
+            break;
+        case 4:
+            // 0x80-0xAF only: the second byte of a four-byte form.
+            if (in[i + 1] - 0x80u < 0x30u && isContinuation(in[i + 2]) &&
+                isContinuation(in[i + 3])) {
+                value = (((((b0 << 6) + in[i + 1]) << 6) + in[i + 2]) << 6) + in[i + 3] -
+                        0x3C82080u;
+                used = 4;
+            }
+            break;
+        default:
+            break;
+        }
+        if (o >= outEnd)
+            return;
+        if (value > 0xFFFFu) {
+            if (!writeSupplementary(value, out, o, outEnd, substitute))
+                return;
+        } else if (isSurrogate(value)) {
+            throwInvalid(QN_STR_LIT(u"Invalid UTF-8 sequence (decoded chars in surrogate range)"));
+        } else {
+            out[o++] = static_cast<char16_t>(value);
+        }
+        i += used;
+    }
+}
+
+// UTF-16 to UTF-8 (the rules are listed in CTBUTF8.h); pending is the encoder's pending high
+// surrogate.
+template <bool Fast>
+void encodeUtf8(const char16_t* in, long& i, long inEnd, uint8_t* out, long& o, long outEnd,
+                char16_t& pending) {
+    while (i < inEnd) {
+        if constexpr (Fast) {
+            if (pending == 0 && in[i] < 0x80) {
+                narrowAscii(in, i, inEnd, out, o, outEnd);
+                if (i >= inEnd)
+                    return;
+            }
+        }
+        uint32_t value;
+        if (!pairSurrogates(in[i], pending, value)) {
+            ++i;
+            continue;
+        }
+        int length = value < 0x80u ? 1 : value < 0x800u ? 2 : value < 0x10000u ? 3 : 4;
+        if (value >= 0x200000u) {
+            value = 0xFFFD;
+            length = 3;
+        }
+        // A completed pair that does not fit leaves its low surrogate for the next call, with
+        // the high one already forgotten.
+        if (outEnd - o < length)
+            return;
+        static constexpr uint8_t LEAD[5] = {0, 0x00, 0xC0, 0xE0, 0xF0};
+        for (int k = length - 1; k > 0; --k) {
+            out[o + k] = static_cast<uint8_t>(0x80u | (value & 0x3Fu));
+            value >>= 6;
+        }
+        out[o] = static_cast<uint8_t>(LEAD[length] | value);
+        o += length;
+        ++i;
+    }
+}
+
+// UTF-32 to UTF-16; order(raw) turns a unit read in host order into its value.
+template <class Order, class Substitute>
+void decodeUtf32(const uint8_t* in, long& i, long inEnd, char16_t* out, long& o, long outEnd,
+                 Order&& order, Substitute&& substitute) {
+    while (inEnd - i >= 4) {
+        uint32_t raw;
+        std::memcpy(&raw, in + i, 4);
+        const uint32_t value = order(raw);
+        if (o >= outEnd)
+            return;
+        if (value > 0xFFFFu) {
+            if (!writeSupplementary(value, out, o, outEnd, substitute))
+                return;
+        } else if (isSurrogate(value)) {
+            throwInvalid(QN_STR_LIT(u"Illegal UTF-32 char in surrogate range"));
+        } else {
+            out[o++] = static_cast<char16_t>(value);
+        }
+        i += 4;
+    }
+}
+
+// UTF-16 to UTF-32; order(value) gives the unit to store in host order.
+template <class Order>
+void encodeUtf32(const char16_t* in, long& i, long inEnd, uint8_t* out, long& o, long outEnd,
+                 char16_t& pending, Order&& order) {
+    while (i < inEnd) {
+        if (outEnd - o < 4)
+            return;
+        uint32_t value;
+        if (pairSurrogates(in[i], pending, value)) {
+            const uint32_t raw = order(value);
+            std::memcpy(out + o, &raw, 4);
+            o += 4;
+        }
+        ++i;
+    }
+}
+
+// Fixed-width UTF-16 copies: min(whole input units, output room) units through order.
+template <class Order>
+void copyUtf16In(const uint8_t* in, long& i, long inEnd, char16_t* out, long& o, long outEnd,
+                 Order&& order) {
+    const long count = std::max(0L, std::min((inEnd - i) / 2, outEnd - o));
+    for (long k = 0; k < count; ++k) {
+        char16_t unit;
+        std::memcpy(&unit, in + i + 2 * k, 2);
+        out[o + k] = order(unit);
+    }
+    i += 2 * count;
+    o += count;
+}
+
+template <class Order>
+void copyUtf16Out(const char16_t* in, long& i, long inEnd, uint8_t* out, long& o, long outEnd,
+                  Order&& order) {
+    const long count = std::max(0L, std::min(inEnd - i, (outEnd - o) / 2));
+    for (long k = 0; k < count; ++k) {
+        const char16_t unit = order(in[i + k]);
+        std::memcpy(out + o + 2 * k, &unit, 2);
+    }
+    i += count;
+    o += 2 * count;
+}
+
+inline char16_t sameOrder16(char16_t unit) {
+    return unit;
+}
+inline char16_t swapOrder16(char16_t unit) {
+    return static_cast<char16_t>((unit >> 8) | (unit << 8));
+}
+inline uint32_t sameOrder32(uint32_t unit) {
+    return unit;
+}
+inline uint32_t swapOrder32(uint32_t unit) {
+    return (unit >> 24) | ((unit >> 8) & 0xFF00u) | ((unit << 8) & 0xFF0000u) | (unit << 24);
+}
+
+} // namespace qn::text::charset::utf
