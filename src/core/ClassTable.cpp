@@ -10,9 +10,17 @@
 #include "qn/core/String.h"
 #include "qn/sync/Mutex.h"
 #include "qn/sync/ReaderWriterLock.h"
+#include "qn/text/charset/BTCASCII.h"
+#include "qn/text/charset/BTCCP1252.h"
+#include "qn/text/charset/BTCCP437.h"
+#include "qn/text/charset/BTCISO8859_1.h"
 #include "qn/text/charset/BTCUTF16.h"
 #include "qn/text/charset/BTCUTF32.h"
 #include "qn/text/charset/BTCUTF8.h"
+#include "qn/text/charset/CTBASCII.h"
+#include "qn/text/charset/CTBCP1252.h"
+#include "qn/text/charset/CTBCP437.h"
+#include "qn/text/charset/CTBISO8859_1.h"
 #include "qn/text/charset/CTBUTF16.h"
 #include "qn/text/charset/CTBUTF32.h"
 #include "qn/text/charset/CTBUTF8.h"
@@ -50,9 +58,13 @@ void registerBuiltinClasses() {
     static const ClassRow rows[] = {
         row<AbstractByteBuffer>(u"CQNAbstractByteBuffer"),
         row<AbstractCharBuffer>(u"CQNAbstractCharBuffer"),
+        row<charset::BTCSingleByte>(u"CQNBTCSingleByte"),
+        row<charset::BTCSingleByteTable>(u"CQNBTCSingleByteTable"),
         row<charset::ByteToCharConverter>(u"CQNByteToCharConverter"),
         row<charset::CharToByteConverter>(u"CQNCharToByteConverter"),
         row<Class>(u"qn::Class"),
+        row<charset::CTBSingleByte>(u"CQNCTBSingleByte"),
+        row<charset::CTBSingleByteTable>(u"CQNCTBSingleByteTable"),
         row<ComObject>(u"CQNComObject"),
         row<Double>(u"CQNDouble"),
         row<Float>(u"CQNFloat"),
@@ -114,6 +126,14 @@ void registerBuiltinClasses() {
             u"qn::text::charset::UnmappableCharacterException"),
         rowMade<UnsupportedOperationException>(u"qn::UnsupportedOperationException"),
         row<UserAbortException>(u"qn::UserAbortException"),
+        rowMade<charset::CTBASCII>(u"qn::text::charset::CTBASCII"),
+        rowMade<charset::BTCASCII>(u"qn::text::charset::BTCASCII"),
+        rowMade<charset::CTBISO8859_1>(u"qn::text::charset::CTBISO8859_1"),
+        rowMade<charset::BTCISO8859_1>(u"qn::text::charset::BTCISO8859_1"),
+        rowMade<charset::CTBCP437>(u"qn::text::charset::CTBCP437"),
+        rowMade<charset::BTCCP437>(u"qn::text::charset::BTCCP437"),
+        rowMade<charset::CTBCP1252>(u"qn::text::charset::CTBCP1252"),
+        rowMade<charset::BTCCP1252>(u"qn::text::charset::BTCCP1252"),
         rowMade<charset::BTCUTF8>(u"qn::text::charset::BTCUTF8"),
         rowMade<charset::CTBUTF8>(u"qn::text::charset::CTBUTF8"),
         rowMade<charset::CTBUTF16LE>(u"qn::text::charset::CTBUTF16LE"),

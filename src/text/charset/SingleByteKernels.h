@@ -1,0 +1,174 @@
+// The loops of the single-byte converters, written once over a mapping: the bases call them with
+// their virtual hook, the concrete converters with an inline mapping (and, where bytes
+// 0x00-0x7F are ASCII itself, with runs of ASCII copied eight bytes or four units a step). Both
+// give the same results and positions; the fuzzers compare them.
+#pragma once
+
+#include "qn/core/Exception.h"
+#include "qn/text/charset/ByteToCharConverter.h"
+#include "qn/text/charset/CharToByteConverter.h"
+
+#include <cstdint>
+#include <cstring>
+
+namespace qn::text::charset::kernels {
+
+// What a single-byte decoder does with an unmapped byte, from the converter's settings.
+struct ByteSubstitution {
+    bool mode;
+    char16_t unit;
+    int32_t length;
+};
+
+// The encoder's side.
+struct CharSubstitution {
+    bool mode;
+    signed char byte;
+    int32_t length;
+};
+
+inline ByteSubstitution settingsOf(const ByteToCharConverter& converter) {
+    char16_t unit = 0xFFFD;
+    converter.getSubstitutionChars(&unit, 1);
+    return {converter.getSubstitutionMode(), unit,
+            static_cast<int32_t>(converter.getSubstitutionChars(nullptr, 0))};
+}
+
+inline CharSubstitution settingsOf(const CharToByteConverter& converter) {
+    signed char byte = 0x3F;
+    converter.getSubstitutionBytes(&byte, 1);
+    return {converter.getSubstitutionMode(), byte,
+            static_cast<int32_t>(converter.getSubstitutionBytes(nullptr, 0))};
+}
+
+constexpr uint64_t HIGH_BITS_8 = 0x8080808080808080ULL;
+// A unit above 0x7F in any of four lanes.
+constexpr uint64_t NON_ASCII_16 = 0xFF80FF80FF80FF80ULL;
+
+inline uint64_t load64(const void* p) {
+    uint64_t word;
+    std::memcpy(&word, p, sizeof word);
+    return word;
+}
+
+inline bool isHighSurrogate(char16_t c) {
+    return c >= 0xD800 && c <= 0xDBFF;
+}
+inline bool isLowSurrogate(char16_t c) {
+    return c >= 0xDC00 && c <= 0xDFFF;
+}
+
+// Decodes bytes in[i..] into out[o..] while both remain; Map gives a byte's character, U+FFFD
+// when unmapped. ASCII_RUNS: bytes 0x00-0x7F map to themselves, so eight of them are widened at
+// once.
+template <bool ASCII_RUNS, class Map>
+long decode(const Map& map, const ByteSubstitution& substitution, const signed char* in,
+            long* inPos, long inEnd, char16_t* out, long* outPos, long outEnd) {
+    const auto* bytes = reinterpret_cast<const unsigned char*>(in);
+    long i = *inPos;
+    long o = *outPos;
+    const long start = o;
+    for (;;) {
+        if (ASCII_RUNS) {
+            while (i + 8 <= inEnd && o + 8 <= outEnd && (load64(bytes + i) & HIGH_BITS_8) == 0) {
+                for (int k = 0; k < 8; ++k)
+                    out[o + k] = bytes[i + k];
+                i += 8;
+                o += 8;
+            }
+        }
+        if (i >= inEnd || o >= outEnd)
+            break;
+        const char16_t c = map(bytes[i]);
+        if (c != 0xFFFD) {
+            out[o++] = c;
+        } else if (!substitution.mode) {
+            *inPos = i;
+            *outPos = o;
+            throw UnmappableCharacterException();
+        } else if (substitution.length == 1) {
+            out[o++] = substitution.unit;
+        }
+        ++i;
+    }
+    *inPos = i;
+    *outPos = o;
+    return o - start;
+}
+
+// Encodes units in[i..] into out[o..]; Map gives a unit's byte, 0 when unmapped. ASCII_RUNS:
+// units U+0000-U+007F map to themselves, so four of them are narrowed at once.
+template <bool ASCII_RUNS, class Map>
+long encode(const Map& map, const CharSubstitution& substitution, char16_t& pending,
+            const char16_t* in, long* inPos, long inEnd, signed char* out, long* outPos,
+            long outEnd) {
+    long i = *inPos;
+    long o = *outPos;
+    const long start = o;
+    // Before an exception: back to where the offending sequence began. When its high surrogate
+    // came in this call, that is the surrogate, with nothing pending; when it came earlier, the
+    // call's start, with the surrogate still pending.
+    const auto rewind = [&](long at) {
+        if (at >= *inPos) {
+            pending = 0;
+            *inPos = at;
+        }
+        *outPos = o;
+    };
+    for (;;) {
+        if (ASCII_RUNS && pending == 0) {
+            while (i + 4 <= inEnd && o + 4 <= outEnd && (load64(in + i) & NON_ASCII_16) == 0) {
+                for (int k = 0; k < 4; ++k)
+                    out[o + k] = static_cast<signed char>(in[i + k]);
+                i += 4;
+                o += 4;
+            }
+        }
+        if (i >= inEnd)
+            break;
+        const char16_t c = in[i];
+        bool unmapped;
+        signed char b = 0;
+        if (pending != 0) {
+            if (!isLowSurrogate(c)) {
+                rewind(i - 1);
+                throw InvalidCharacterException(String(u"leading surrogate without trailing"));
+            }
+            unmapped = true;
+        } else {
+            b = map(c);
+            unmapped = b == 0 && c != 0;
+            if (unmapped && isHighSurrogate(c)) {
+                pending = c;
+                ++i;
+                continue;
+            }
+            if (unmapped && isLowSurrogate(c)) {
+                rewind(i);
+                throw InvalidCharacterException(String(u"trailing surrogate without leading"));
+            }
+        }
+        if (unmapped) {
+            if (!substitution.mode) {
+                rewind(pending != 0 ? i - 1 : i);
+                throw UnmappableCharacterException();
+            }
+            if (substitution.length == 1) {
+                if (o >= outEnd)
+                    break;
+                out[o++] = substitution.byte;
+            }
+            pending = 0;
+        } else {
+            if (o >= outEnd)
+                break;
+            out[o++] = b;
+        }
+        ++i;
+    }
+    *inPos = i;
+    *outPos = o;
+    return o - start;
+}
+
+} // namespace qn::text::charset::kernels
