@@ -10,6 +10,7 @@
 #include "qn/core/String.h"
 #include "qn/sync/Mutex.h"
 #include "qn/sync/ReaderWriterLock.h"
+#include "qn/text/charset/BTCAMP7.h"
 #include "qn/text/charset/BTCASCII.h"
 #include "qn/text/charset/BTCCP1252.h"
 #include "qn/text/charset/BTCCP437.h"
@@ -17,6 +18,7 @@
 #include "qn/text/charset/BTCUTF16.h"
 #include "qn/text/charset/BTCUTF32.h"
 #include "qn/text/charset/BTCUTF8.h"
+#include "qn/text/charset/CTBAMP7.h"
 #include "qn/text/charset/CTBASCII.h"
 #include "qn/text/charset/CTBCP1252.h"
 #include "qn/text/charset/CTBCP437.h"
@@ -144,6 +146,8 @@ void registerBuiltinClasses() {
         rowMade<charset::BTCUTF32LE>(u"qn::text::charset::BTCUTF32LE"),
         rowMade<charset::CTBUTF32BE>(u"qn::text::charset::CTBUTF32BE"),
         rowMade<charset::BTCUTF32BE>(u"qn::text::charset::BTCUTF32BE"),
+        rowMade<charset::BTCAMP7>(u"qn::text::charset::BTCAMP7"),
+        rowMade<charset::CTBAMP7>(u"qn::text::charset::CTBAMP7"),
     };
     ClassManagerBase& registry = classRegistry();
     for (const ClassRow& r : rows)
