@@ -58,6 +58,18 @@ inline bool isLowSurrogate(char16_t c) {
     return c >= 0xDC00 && c <= 0xDFFF;
 }
 
+// Before an exception of an encoder that pairs surrogates, whose offending sequence began at
+// input position at: back to that position with nothing pending when the sequence began in this
+// call (at is not before the call's *inPos); when its high surrogate ended an earlier call,
+// the position stays at this call's start with the surrogate still pending. *outPos becomes o.
+inline void rewindPending(long at, char16_t& pending, long* inPos, long* outPos, long o) {
+    if (at >= *inPos) {
+        pending = 0;
+        *inPos = at;
+    }
+    *outPos = o;
+}
+
 // Decodes bytes in[i..] into out[o..] while both remain; Map gives a byte's character, U+FFFD
 // when unmapped. ASCII_RUNS: bytes 0x00-0x7F map to themselves, so eight of them are widened at
 // once.
@@ -105,16 +117,7 @@ long encode(const Map& map, const CharSubstitution& substitution, char16_t& pend
     long i = *inPos;
     long o = *outPos;
     const long start = o;
-    // Before an exception: back to where the offending sequence began. When its high surrogate
-    // came in this call, that is the surrogate, with nothing pending; when it came earlier, the
-    // call's start, with the surrogate still pending.
-    const auto rewind = [&](long at) {
-        if (at >= *inPos) {
-            pending = 0;
-            *inPos = at;
-        }
-        *outPos = o;
-    };
+    const auto rewind = [&](long at) { rewindPending(at, pending, inPos, outPos, o); };
     for (;;) {
         if (ASCII_RUNS && pending == 0) {
             while (i + 4 <= inEnd && o + 4 <= outEnd && (load64(in + i) & NON_ASCII_16) == 0) {

@@ -1,0 +1,101 @@
+// The converters over codec plug-ins, and their makers, which the codec manager calls when its
+// plug-in step finds an object.
+#include "qn/text/charset/BTCCom.h"
+#include "qn/text/charset/CTBCom.h"
+#include "qn/text/charset/CodecManager.h"
+
+#include <algorithm>
+
+namespace qn::text::charset {
+
+namespace {
+
+void check(QNRESULT result) {
+    if (QN_FAILED(result))
+        throw ResultException(result);
+}
+
+// The name and maxima a plug-in reports, read once.
+struct CodecFacts {
+    String name;
+    int32_t maxBytesPerChar = -1;
+    int32_t maxCharsPerByte = -1;
+};
+
+CodecFacts readFacts(IQNCharCodec* codec) {
+    CodecFacts facts;
+    // Counted by the plug-in, so it lives on the heap.
+    Reference<String> name = String::CQNString(u"");
+    check(codec->GetEncodingName(name.get()));
+    facts.name = *name;
+    check(codec->GetMaxBytesPerChar(&facts.maxBytesPerChar));
+    check(codec->GetMaxCharsPerByte(&facts.maxCharsPerByte));
+    return facts;
+}
+
+Reference<ByteToCharConverter> makeDecoder(IQNUnknown* codec) {
+    return new BTCCom(static_cast<IQNCharCodec*>(codec));
+}
+
+Reference<CharToByteConverter> makeEncoder(IQNUnknown* codec) {
+    return new CTBCom(static_cast<IQNCharCodec*>(codec));
+}
+
+// Installed when the library is loaded, before any converter is requested.
+[[maybe_unused]] const bool s_wrappersInstalled = (CodecManager::setPlugInWrappers(&makeDecoder, &makeEncoder), true);
+
+} // namespace
+
+BTCCom::BTCCom(IQNCharCodec* codec) : m_codec(codec) {
+    const CodecFacts facts = readFacts(codec);
+    m_encodingName = facts.name;
+    m_maxBytesPerChar = facts.maxBytesPerChar;
+    m_maxCharsPerByte = facts.maxCharsPerByte;
+    m_codec->AddRef();
+}
+
+BTCCom::~BTCCom() {
+    m_codec->Release();
+}
+
+uint32_t BTCCom::convertBytes(const signed char* bytes, long& length) {
+    int32_t used = static_cast<int32_t>(length);
+    uint32_t codePoint = 0xFFFD;
+    check(m_codec->DecodeBytes(bytes, &used, &codePoint));
+    if (used < 0 || used > length)
+        throw ResultException(QN_E_UNEXPECTED);
+    length = used;
+    return codePoint;
+}
+
+CTBCom::CTBCom(IQNCharCodec* codec) : m_codec(codec), m_bytes(new util::RWByteBuffer(16)) {
+    const CodecFacts facts = readFacts(codec);
+    m_encodingName = facts.name;
+    m_maxBytesPerChar = facts.maxBytesPerChar;
+    m_maxCharsPerByte = facts.maxCharsPerByte;
+    m_codec->AddRef();
+}
+
+CTBCom::~CTBCom() {
+    m_codec->Release();
+}
+
+long CTBCom::convertChar(uint32_t codePoint, signed char* out, long room) {
+    util::IQNByteBuffer* buffer = m_bytes.get();
+    signed char* data = nullptr;
+    check(buffer->GetWriteLock(&data));
+    check(buffer->ReleaseWriteLock(0));
+    if (QN_FAILED(m_codec->EncodeChar(codePoint, buffer)))
+        return -1;
+    int32_t count = 0;
+    check(buffer->GetLength(&count));
+    if (count < 1 || count > room)
+        return 0;
+    const signed char* bytes = nullptr;
+    check(buffer->GetReadLock(&bytes));
+    std::copy(bytes, bytes + count, out);
+    check(buffer->ReleaseReadLock());
+    return count;
+}
+
+} // namespace qn::text::charset
