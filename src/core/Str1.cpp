@@ -140,7 +140,7 @@ Str1 Str1::substring(int32_t start, int32_t length) const {
 }
 
 String Str1::toString() const {
-    return str1::decode(*this);
+    return String(m_data, m_length, str1::EncodingArgument(m_encoding).get());
 }
 
 } // namespace qn

@@ -1,28 +1,25 @@
-// Whole-text conversions between the 8-bit strings and String, through the codec manager's
-// converters. Internal to the library.
+// The encoding name of an 8-bit string as the converters and String's encoding forms take it.
+// Internal to the library.
 #pragma once
 
-#include "qn/core/StrBuf1.h"
+#include "qn/core/String.h"
 
-namespace qn::text::charset {
-class ByteToCharConverter;
-class CharToByteConverter;
-} // namespace qn::text::charset
+#include <string>
 
 namespace qn::str1 {
 
-// The converters for an encoding name; the empty name gives the process default.
-// UnknownEncodingException when no converter has the name.
-Reference<text::charset::ByteToCharConverter> decoderFor(const String& encoding);
-Reference<text::charset::CharToByteConverter> encoderFor(const String& encoding);
+// A zero-terminated copy of the name (a String need not be terminated), or null for the empty
+// name, which stands for the process's default encoding.
+class EncodingArgument {
+public:
+    explicit EncodingArgument(const String& encoding)
+        : m_text(encoding.getData(), static_cast<size_t>(encoding.getLength())),
+          m_default(encoding.isEmpty()) {}
+    const char16_t* get() const noexcept { return m_default ? nullptr : m_text.c_str(); }
 
-// All of text decoded by its encoding's decoder: an incomplete sequence at the end becomes one
-// U+FFFD. The decoder's exceptions pass through.
-String decode(const Str1& text);
-// Appends text encoded by encoder to out, flushing the encoder at the end. A high surrogate that
-// the encoder leaves unconsumed at the end throws InvalidCharacterException "leading surrogate
-// without trailing"; the encoder's own exceptions pass through with their positions.
-void encode(text::charset::CharToByteConverter& encoder, const char16_t* text, int32_t length,
-            StrBuf1& out);
+private:
+    std::u16string m_text;
+    bool m_default;
+};
 
 } // namespace qn::str1

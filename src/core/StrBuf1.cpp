@@ -11,7 +11,6 @@
 #include <algorithm>
 #include <cstring>
 #include <new>
-#include <string>
 
 namespace qn {
 
@@ -228,10 +227,9 @@ StrBuf1& StrBuf1::setTo(const char* text, int32_t length) {
 }
 
 StrBuf1& StrBuf1::setTo(const String& text) {
-    Reference<text::charset::CharToByteConverter> encoder = str1::encoderFor(m_encoding);
-    StrBuf1 encoded;
-    str1::encode(*encoder, text.getData(), text.getLength(), encoded);
-    return splice(0, m_length, encoded.getData(), encoded.getLength());
+    const Reference<String::AnsiBytes> encoded =
+        text.getBytes(str1::EncodingArgument(m_encoding).get());
+    return splice(0, m_length, encoded->getData(), encoded->getLength());
 }
 
 StrBuf1& StrBuf1::setLatin1(const char16_t* text, int32_t length) {
@@ -324,11 +322,12 @@ StrBuf1& StrBuf1::mapCase(bool upper) {
         mapLatin1Bytes(m_block, m_length, upper);
         return *this;
     }
+    const str1::EncodingArgument encoding(m_encoding);
     Reference<text::charset::ByteToCharConverter> decoder;
     Reference<text::charset::CharToByteConverter> encoder;
     try {
-        decoder = str1::decoderFor(m_encoding);
-        encoder = str1::encoderFor(m_encoding);
+        decoder = text::charset::ByteToCharConverter::getConverter(encoding.get());
+        encoder = text::charset::CharToByteConverter::getConverter(encoding.get());
     } catch (const text::charset::UnknownEncodingException&) {
         mapAsciiBytes(m_block, m_length, upper);
         return *this;
@@ -347,25 +346,24 @@ StrBuf1& StrBuf1::mapCase(bool upper) {
     }
     // Decode, map unit by unit and encode again. Text that does not survive the round trip
     // unchanged (undecodable bytes) is left as it is rather than rewritten.
-    const String original = str1::decode(*this);
-    StrBuf1 check;
-    str1::encode(*encoder, original.getData(), original.getLength(), check);
-    if (!check.equals(*this))
+    const String original = toString();
+    const Reference<String::AnsiBytes> again = original.getBytes(encoding.get());
+    if (!Str1(again->getData(), again->getLength()).equals(*this))
         return *this;
-    const int32_t length = original.getLength();
-    std::u16string units(original.getData(), static_cast<size_t>(length));
+    String mapped(original);
+    const int32_t length = mapped.getLength();
+    char16_t* units = mapped.getWriteLock();
     // A character whose other case the encoding lacks keeps its case; case mapping never
     // touches surrogates, so every changed unit can be tried alone.
     encoder->setSubstitutionMode(false);
-    for (char16_t& unit : units) {
-        const char16_t mapped = mapUnit(unit, upper);
-        if (mapped != unit && encodes(*encoder, mapped))
-            unit = mapped;
+    for (int32_t i = 0; i < length; ++i) {
+        const char16_t other = mapUnit(units[i], upper);
+        if (other != units[i] && encodes(*encoder, other))
+            units[i] = other;
     }
-    encoder->reset();
-    StrBuf1 result;
-    str1::encode(*encoder, units.data(), length, result);
-    return splice(0, m_length, result.getData(), result.getLength());
+    mapped.releaseWriteLock(length);
+    const Reference<String::AnsiBytes> result = mapped.getBytes(encoding.get());
+    return splice(0, m_length, result->getData(), result->getLength());
 }
 
 } // namespace qn

@@ -2,7 +2,6 @@
 // plug-in step finds an object.
 #include "qn/text/charset/BTCCom.h"
 #include "qn/text/charset/CTBCom.h"
-#include "qn/text/charset/CodecManager.h"
 
 #include <algorithm>
 
@@ -33,18 +32,15 @@ CodecFacts readFacts(IQNCharCodec* codec) {
     return facts;
 }
 
-Reference<ByteToCharConverter> makeDecoder(IQNUnknown* codec) {
+} // namespace
+
+Reference<ByteToCharConverter> BTCCom::wrap(IQNUnknown* codec) {
     return new BTCCom(static_cast<IQNCharCodec*>(codec));
 }
 
-Reference<CharToByteConverter> makeEncoder(IQNUnknown* codec) {
+Reference<CharToByteConverter> CTBCom::wrap(IQNUnknown* codec) {
     return new CTBCom(static_cast<IQNCharCodec*>(codec));
 }
-
-// Installed when the library is loaded, before any converter is requested.
-[[maybe_unused]] const bool s_wrappersInstalled = (CodecManager::setPlugInWrappers(&makeDecoder, &makeEncoder), true);
-
-} // namespace
 
 BTCCom::BTCCom(IQNCharCodec* codec) : m_codec(codec) {
     const CodecFacts facts = readFacts(codec);

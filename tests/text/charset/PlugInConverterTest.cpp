@@ -6,10 +6,12 @@
 
 #include "qn/text/charset/BTCCom.h"
 #include "qn/text/charset/CTBCom.h"
+#include "qn/text/charset/CodecManager.h"
 
 #include <gtest/gtest.h>
 
 #include <cstdlib>
+#include <cstring>
 #include <filesystem>
 
 #ifdef _WIN32
@@ -49,6 +51,7 @@ protected:
                   ("qncl-codec-" + std::to_string(getpid()) + ".reg");
         setenv("QNCL_COMPONENT_REGISTRY", m_store.c_str(), 1);
 #endif
+        CodecManager::setPlugInWrappers(&BTCCom::wrap, &CTBCom::wrap);
         QNComUnregisterClass(&kCodecClsid);
         const std::u16string library = (programDir() / QNCL_TEST_CODEC_PLUGIN).u16string();
         ASSERT_EQ(QNComRegisterClass(&kCodecClsid,
@@ -57,6 +60,7 @@ protected:
                   QN_S_OK);
     }
     void TearDown() override {
+        CodecManager::setPlugInWrappers(nullptr, nullptr);
         QNComUnregisterClass(&kCodecClsid);
 #ifndef _WIN32
         unsetenv("QNCL_COMPONENT_REGISTRY");
@@ -80,6 +84,7 @@ public:
 } // namespace
 
 TEST_F(PlugInConverterTest, FoundByNameAndConverting) {
+    EXPECT_EQ(std::memcmp(&IID_IQNCharCodec, &CodecManager::PLUGIN_IID, sizeof(QNGUID)), 0);
     Reference<ByteToCharConverter> decoder = ByteToCharConverter::getConverter(kName);
     ASSERT_NE(dynamic_cast<BTCCom*>(decoder.get()), nullptr);
     EXPECT_EQ(String(decoder->getEncodingName()), kName);

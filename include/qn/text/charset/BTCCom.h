@@ -15,6 +15,10 @@ public:
     // Releases the codec.
     ~BTCCom() override;
 
+    // The codec manager's maker for the object its plug-in step created (with IID_IQNCharCodec):
+    // CodecManager::setPlugInWrappers(&BTCCom::wrap, &CTBCom::wrap).
+    static Reference<ByteToCharConverter> wrap(IQNUnknown* codec);
+
     // The codec's DecodeBytes, with U+FFFD preset. A failure code from it, or a used length
     // outside what was available, is thrown as ResultException (the positions stay at the
     // sequence).

@@ -16,6 +16,10 @@ public:
     // Releases the codec.
     ~CTBCom() override;
 
+    // The codec manager's maker for the object its plug-in step created (with IID_IQNCharCodec):
+    // CodecManager::setPlugInWrappers(&BTCCom::wrap, &CTBCom::wrap).
+    static Reference<CharToByteConverter> wrap(IQNUnknown* codec);
+
     // Asks the codec to encode into a byte buffer and copies the bytes out when their count is
     // between 1 and room. Otherwise nothing is written: -1 when the codec reported a failure,
     // 0 when it did not. A failure reading the buffer is thrown as ResultException.
