@@ -60,21 +60,31 @@ private:
 
 Reference<ByteToCharConverter> decoder(int which) {
     switch (which) {
-    case 0: return new BTCASCII;
-    case 1: return new BTCISO8859_1;
-    case 2: return new BTCCP437;
-    case 3: return new BTCCP1252;
-    default: return new BTCAMP7;
+    case 0:
+        return new BTCASCII;
+    case 1:
+        return new BTCISO8859_1;
+    case 2:
+        return new BTCCP437;
+    case 3:
+        return new BTCCP1252;
+    default:
+        return new BTCAMP7;
     }
 }
 
 Reference<CharToByteConverter> encoder(int which) {
     switch (which) {
-    case 0: return new CTBASCII;
-    case 1: return new CTBISO8859_1;
-    case 2: return new CTBCP437;
-    case 3: return new CTBCP1252;
-    default: return new CTBAMP7;
+    case 0:
+        return new CTBASCII;
+    case 1:
+        return new CTBISO8859_1;
+    case 2:
+        return new CTBCP437;
+    case 3:
+        return new CTBCP1252;
+    default:
+        return new CTBAMP7;
     }
 }
 
@@ -82,8 +92,7 @@ bool isHigh(char16_t c) {
     return c >= 0xD800 && c <= 0xDBFF;
 }
 
-template <class Out, class In>
-void checkFailure(const Outcome<Out>& outcome, const In& in) {
+template <class Out, class In> void checkFailure(const Outcome<Out>& outcome, const In& in) {
     check(outcome.failedAt < 0 ||
           (outcome.failedAt <= static_cast<long>(in.size()) && !outcome.failure.empty()));
 }
@@ -112,8 +121,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
         const Bytes in(data, data + size);
         const Outcome<Units> whole = decodeAll(*d, in);
         checkFailure(whole, in);
-        check(decodeAll(*d, in, randomSplits(random, static_cast<long>(in.size())), room) ==
-              whole);
+        check(decodeAll(*d, in, randomSplits(random, static_cast<long>(in.size())), room) == whole);
         if (auto* single = dynamic_cast<BTCSingleByte*>(d.get())) {
             HookDecoder hooks(*single);
             check(decodeAll(hooks, in) == whole);

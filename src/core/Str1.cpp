@@ -69,9 +69,8 @@ bool Str1::startsWith(const Str1& prefix, bool ignoreCase) const noexcept {
 }
 
 bool Str1::endsWith(const Str1& suffix, bool ignoreCase) const noexcept {
-    return suffix.m_length <= m_length &&
-           sameBytes(m_data + m_length - suffix.m_length, suffix.m_data, suffix.m_length,
-                     ignoreCase);
+    return suffix.m_length <= m_length && sameBytes(m_data + m_length - suffix.m_length,
+                                                    suffix.m_data, suffix.m_length, ignoreCase);
 }
 
 int32_t Str1::indexOf(const Str1& part, int32_t start, bool ignoreCase) const noexcept {

@@ -2,10 +2,10 @@
 // hash shared with String, editing with self-aliasing and inline storage, case mapping through
 // the encoding, conversion to and from String, and the byte-keyed hash map.
 #include "qn/core/Str1.h"
+#include "qn/core/Exception.h"
 #include "qn/core/Str1HashMap.h"
 #include "qn/core/StrBuf1.h"
 #include "qn/core/StrBuf1N.h"
-#include "qn/core/Exception.h"
 
 #include <gtest/gtest.h>
 
@@ -109,8 +109,13 @@ TEST(Str1Test, CaseMappingFollowsTheEncoding) {
         const char* lower;
     } cases[] = {
         // Latin-1: the byte is the code point; y-diaeresis and micro have no Latin-1 capital.
-        {"ISO8859_1", "stra\xDF" "e \xE9t\xE9 \xFF\xB5", "STRA\xDF" "E \xC9T\xC9 \xFF\xB5",
-         "stra\xDF" "e \xE9t\xE9 \xFF\xB5"},
+        {"ISO8859_1",
+         "stra\xDF"
+         "e \xE9t\xE9 \xFF\xB5",
+         "STRA\xDF"
+         "E \xC9T\xC9 \xFF\xB5",
+         "stra\xDF"
+         "e \xE9t\xE9 \xFF\xB5"},
         // CP1252 through its table: s-caron 9A and S-caron 8A, y-diaeresis FF and 9F.
         {"windows-1252", "\x9A\xFF\xE9x", "\x8A\x9F\xC9X", "\x9A\xFF\xE9x"},
         // UTF-8 changes bytes, not just letters.
@@ -133,7 +138,8 @@ TEST(Str1Test, CaseMappingFollowsTheEncoding) {
 
 TEST(Str1Test, ConvertsToAndFromString) {
     const StrBuf1 cp1252(String(u"\u20AC5 caf\u00E9 \u4E2D"), String(u"CP1252"));
-    EXPECT_EQ(bytesOf(cp1252), "\x80" "5 caf\xE9 ?");
+    EXPECT_EQ(bytesOf(cp1252), "\x80"
+                               "5 caf\xE9 ?");
     EXPECT_EQ(cp1252.toString(), u"\u20AC5 caf\u00E9 ?");
     const Str1 utf8("\xE2\x82\xAC\xF0\x9F\x98\x80\xE2\x82", -1, String(u"UTF-8"));
     // A sequence cut off at the end becomes one U+FFFD.
@@ -142,7 +148,8 @@ TEST(Str1Test, ConvertsToAndFromString) {
     latin1.setLatin1(u"Gr\u00FC\u00DF \u0100");
     EXPECT_EQ(bytesOf(latin1), "Gr\xFC\xDF ?");
     EXPECT_EQ(latin1.getEncoding(), u"ISO8859_1");
-    EXPECT_THROW(Str1("x", 1, String(u"no-such-encoding")).toString(), text::charset::UnknownEncodingException);
+    EXPECT_THROW(Str1("x", 1, String(u"no-such-encoding")).toString(),
+                 text::charset::UnknownEncodingException);
 }
 
 TEST(Str1Test, HashMapKeysByBytes) {

@@ -68,10 +68,10 @@ long CTBSingleByteTable::convert(const char16_t* in, long* inPos, long inEnd, si
     };
     const kernels::CharSubstitution settings = kernels::settingsOf(*this);
     if (m_asciiIdentity)
-        return kernels::encode<true>(map, settings, m_pendingHighSurrogate, in, inPos, inEnd, out,
-                                     outPos, outEnd);
-    return kernels::encode<false>(map, settings, m_pendingHighSurrogate, in, inPos, inEnd, out,
-                                  outPos, outEnd);
+        return kernels::encode<kernels::ASCII_16>(map, settings, m_pendingHighSurrogate, in, inPos,
+                                                  inEnd, out, outPos, outEnd);
+    return kernels::encode<0>(map, settings, m_pendingHighSurrogate, in, inPos, inEnd, out, outPos,
+                              outEnd);
 }
 
 const char16_t* CTBSingleByteTable::getEncodingName() const {

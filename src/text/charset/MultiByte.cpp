@@ -58,7 +58,8 @@ long BTCMultiByte::flush(char16_t* out, long* outPos, long outEnd) {
     if (m_pendingTrailSurrogate == 0)
         return 0;
     if (outEnd - *outPos < 2)
-        throw InvalidCharacterException(String(u"Not enough room in buffer for trailing surrogate"));
+        throw InvalidCharacterException(
+            String(u"Not enough room in buffer for trailing surrogate"));
     out[(*outPos)++] = m_pendingTrailSurrogate;
     m_pendingTrailSurrogate = 0;
     return 1;

@@ -12,18 +12,15 @@ namespace qn::text::charset {
 
 namespace {
 
-char16_t asciiChar(unsigned char b) {
-    return b < 0x80 ? b : char16_t{0xFFFD};
-}
-char16_t latin1Char(unsigned char b) {
-    return b;
-}
-signed char asciiByte(char16_t c) {
-    return c < 0x80 ? static_cast<signed char>(c) : 0;
-}
-signed char latin1Byte(char16_t c) {
-    return c <= 0xFF ? static_cast<signed char>(c) : 0;
-}
+// Function objects rather than functions, so that the kernels inline them.
+constexpr auto asciiChar = [](unsigned char b) { return b < 0x80 ? b : char16_t{0xFFFD}; };
+constexpr auto latin1Char = [](unsigned char b) { return char16_t{b}; };
+constexpr auto asciiByte = [](char16_t c) {
+    return c < 0x80 ? static_cast<signed char>(c) : static_cast<signed char>(0);
+};
+constexpr auto latin1Byte = [](char16_t c) {
+    return c <= 0xFF ? static_cast<signed char>(c) : static_cast<signed char>(0);
+};
 
 } // namespace
 
@@ -32,7 +29,8 @@ BTCSingleByte::~BTCSingleByte() = default;
 long BTCSingleByte::convert(const signed char* in, long* inPos, long inEnd, char16_t* out,
                             long* outPos, long outEnd) {
     const auto map = [this](unsigned char b) { return convertByte(static_cast<signed char>(b)); };
-    return kernels::decode<false>(map, kernels::settingsOf(*this), in, inPos, inEnd, out, outPos, outEnd);
+    return kernels::decode<false>(map, kernels::settingsOf(*this), in, inPos, inEnd, out, outPos,
+                                  outEnd);
 }
 
 long BTCSingleByte::getMaxBytesPerChar() const {
@@ -48,8 +46,8 @@ CTBSingleByte::~CTBSingleByte() = default;
 long CTBSingleByte::convert(const char16_t* in, long* inPos, long inEnd, signed char* out,
                             long* outPos, long outEnd) {
     const auto map = [this](char16_t c) { return convertChar(c); };
-    return kernels::encode<false>(map, kernels::settingsOf(*this), m_pendingHighSurrogate, in, inPos, inEnd,
-                                  out, outPos, outEnd);
+    return kernels::encode<0>(map, kernels::settingsOf(*this), m_pendingHighSurrogate, in, inPos,
+                              inEnd, out, outPos, outEnd);
 }
 
 long CTBSingleByte::flush(signed char*, long*, long) {
@@ -74,7 +72,8 @@ BTCASCII::~BTCASCII() = default;
 
 long BTCASCII::convert(const signed char* in, long* inPos, long inEnd, char16_t* out, long* outPos,
                        long outEnd) {
-    return kernels::decode<true>(asciiChar, kernels::settingsOf(*this), in, inPos, inEnd, out, outPos, outEnd);
+    return kernels::decode<true>(asciiChar, kernels::settingsOf(*this), in, inPos, inEnd, out,
+                                 outPos, outEnd);
 }
 
 const char16_t* BTCASCII::getEncodingName() const {
@@ -114,8 +113,9 @@ CTBASCII::~CTBASCII() = default;
 
 long CTBASCII::convert(const char16_t* in, long* inPos, long inEnd, signed char* out, long* outPos,
                        long outEnd) {
-    return kernels::encode<true>(asciiByte, kernels::settingsOf(*this), m_pendingHighSurrogate, in, inPos,
-                                 inEnd, out, outPos, outEnd);
+    return kernels::encode<kernels::ASCII_16>(asciiByte, kernels::settingsOf(*this),
+                                              m_pendingHighSurrogate, in, inPos, inEnd, out, outPos,
+                                              outEnd);
 }
 
 const char16_t* CTBASCII::getEncodingName() const {
@@ -130,8 +130,9 @@ CTBISO8859_1::~CTBISO8859_1() = default;
 
 long CTBISO8859_1::convert(const char16_t* in, long* inPos, long inEnd, signed char* out,
                            long* outPos, long outEnd) {
-    return kernels::encode<true>(latin1Byte, kernels::settingsOf(*this), m_pendingHighSurrogate, in, inPos,
-                                 inEnd, out, outPos, outEnd);
+    return kernels::encode<kernels::LATIN1_16>(latin1Byte, kernels::settingsOf(*this),
+                                               m_pendingHighSurrogate, in, inPos, inEnd, out,
+                                               outPos, outEnd);
 }
 
 const char16_t* CTBISO8859_1::getEncodingName() const {

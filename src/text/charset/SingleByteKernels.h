@@ -8,6 +8,7 @@
 #include "qn/text/charset/ByteToCharConverter.h"
 #include "qn/text/charset/CharToByteConverter.h"
 
+#include <algorithm>
 #include <cstdint>
 #include <cstring>
 
@@ -41,9 +42,13 @@ inline CharSubstitution settingsOf(const CharToByteConverter& converter) {
             static_cast<int32_t>(converter.getSubstitutionBytes(nullptr, 0))};
 }
 
+// The longest stretch mapped one by one before looking for ASCII words again.
+constexpr long RUN = 64;
+
 constexpr uint64_t HIGH_BITS_8 = 0x8080808080808080ULL;
-// A unit above 0x7F in any of four lanes.
-constexpr uint64_t NON_ASCII_16 = 0xFF80FF80FF80FF80ULL;
+// A unit above 0x7F, or above 0xFF, in any of four lanes.
+constexpr uint64_t ASCII_16 = 0xFF80FF80FF80FF80ULL;
+constexpr uint64_t LATIN1_16 = 0xFF00FF00FF00FF00ULL;
 
 inline uint64_t load64(const void* p) {
     uint64_t word;
@@ -71,8 +76,8 @@ inline void rewindPending(long at, char16_t& pending, long* inPos, long* outPos,
 }
 
 // Decodes bytes in[i..] into out[o..] while both remain; Map gives a byte's character, U+FFFD
-// when unmapped. ASCII_RUNS: bytes 0x00-0x7F map to themselves, so eight of them are widened at
-// once.
+// when unmapped. ASCII_RUNS: bytes 0x00-0x7F map to themselves, so a word of eight of them is
+// widened without looking them up.
 template <bool ASCII_RUNS, class Map>
 long decode(const Map& map, const ByteSubstitution& substitution, const signed char* in,
             long* inPos, long inEnd, char16_t* out, long* outPos, long outEnd) {
@@ -81,13 +86,33 @@ long decode(const Map& map, const ByteSubstitution& substitution, const signed c
     long o = *outPos;
     const long start = o;
     for (;;) {
-        if (ASCII_RUNS) {
-            while (i + 8 <= inEnd && o + 8 <= outEnd && (load64(bytes + i) & HIGH_BITS_8) == 0) {
-                for (int k = 0; k < 8; ++k)
+        // Mapped bytes are stored straight away, in stretches of at most RUN so that a long
+        // run of ASCII gets back to the word loop; the first unmapped byte falls through to the
+        // per-byte step below.
+        while (i < inEnd && o < outEnd) {
+            if (ASCII_RUNS) {
+                // The run of whole ASCII words, widened in one loop the compiler vectorises.
+                const long limit = std::min(inEnd - i, outEnd - o);
+                long run = 0;
+                while (run + 8 <= limit && (load64(bytes + i + run) & HIGH_BITS_8) == 0)
+                    run += 8;
+                for (long k = 0; k < run; ++k)
                     out[o + k] = bytes[i + k];
-                i += 8;
-                o += 8;
+                i += run;
+                o += run;
             }
+            const long limit = std::min({inEnd - i, outEnd - o, RUN});
+            long k = 0;
+            for (; k < limit; ++k) {
+                const char16_t c = map(bytes[i + k]);
+                if (c == 0xFFFD)
+                    break;
+                out[o + k] = c;
+            }
+            i += k;
+            o += k;
+            if (k < limit)
+                break;
         }
         if (i >= inEnd || o >= outEnd)
             break;
@@ -108,9 +133,10 @@ long decode(const Map& map, const ByteSubstitution& substitution, const signed c
     return o - start;
 }
 
-// Encodes units in[i..] into out[o..]; Map gives a unit's byte, 0 when unmapped. ASCII_RUNS:
-// units U+0000-U+007F map to themselves, so four of them are narrowed at once.
-template <bool ASCII_RUNS, class Map>
+// Encodes units in[i..] into out[o..]; Map gives a unit's byte, 0 when unmapped. RUN_MASK, when
+// not 0, marks the bits that no unit mapping to its own value has in any of four lanes (ASCII_16
+// or LATIN1_16): a word of four such units is narrowed without looking them up.
+template <uint64_t RUN_MASK, class Map>
 long encode(const Map& map, const CharSubstitution& substitution, char16_t& pending,
             const char16_t* in, long* inPos, long inEnd, signed char* out, long* outPos,
             long outEnd) {
@@ -119,13 +145,34 @@ long encode(const Map& map, const CharSubstitution& substitution, char16_t& pend
     const long start = o;
     const auto rewind = [&](long at) { rewindPending(at, pending, inPos, outPos, o); };
     for (;;) {
-        if (ASCII_RUNS && pending == 0) {
-            while (i + 4 <= inEnd && o + 4 <= outEnd && (load64(in + i) & NON_ASCII_16) == 0) {
-                for (int k = 0; k < 4; ++k)
+        // As in decode: mapped units are stored straight away, in stretches of at most RUN,
+        // up to the first that maps to nothing (an unmappable character or a surrogate).
+        while (pending == 0 && i < inEnd && o < outEnd) {
+            if (RUN_MASK != 0) {
+                // The run of whole words of units that are their own bytes, narrowed in one
+                // loop the compiler vectorises.
+                const long limit = std::min(inEnd - i, outEnd - o);
+                long run = 0;
+                while (run + 4 <= limit && (load64(in + i + run) & RUN_MASK) == 0)
+                    run += 4;
+                for (long k = 0; k < run; ++k)
                     out[o + k] = static_cast<signed char>(in[i + k]);
-                i += 4;
-                o += 4;
+                i += run;
+                o += run;
             }
+            const long limit = std::min({inEnd - i, outEnd - o, RUN});
+            long k = 0;
+            for (; k < limit; ++k) {
+                const char16_t c = in[i + k];
+                const signed char b = map(c);
+                if (b == 0 && c != 0)
+                    break;
+                out[o + k] = b;
+            }
+            i += k;
+            o += k;
+            if (k < limit)
+                break;
         }
         if (i >= inEnd)
             break;

@@ -58,7 +58,8 @@ TEST(AMP7ConverterTest, FailuresLeaveTheirPositions) {
     BTCAMP7 decoder;
     Outcome<Units> decoded = decodeAll(decoder, bytes("ab&_D800;"));
     EXPECT_EQ(decoded.out, u"ab");
-    EXPECT_EQ(decoded.failure, "invalid: Invalid AMP-7 sequence (decoded chars in surrogate range)");
+    EXPECT_EQ(decoded.failure,
+              "invalid: Invalid AMP-7 sequence (decoded chars in surrogate range)");
     EXPECT_EQ(decoded.failedAt, 2);
 
     decoder.setSubstitutionMode(false);
@@ -67,7 +68,8 @@ TEST(AMP7ConverterTest, FailuresLeaveTheirPositions) {
     EXPECT_EQ(decoded.failedAt, 2);
 
     CTBAMP7 encoder;
-    Outcome<Bytes> encoded = encodeAll(encoder, u"ab\xD83D" u"c");
+    Outcome<Bytes> encoded = encodeAll(encoder, u"ab\xD83D"
+                                                u"c");
     EXPECT_EQ(encoded.out, bytes("ab"));
     EXPECT_EQ(encoded.failure, "invalid: leading surrogate without trailing");
     EXPECT_EQ(encoded.failedAt, 2);
@@ -141,9 +143,9 @@ TEST(AMP7ConverterTest, RandomPiecesGiveTheWholeResult) {
             c = alphabet[random() % 9];
         const Outcome<Bytes> whole = encodeAll(encoder, text);
         const long room = std::uniform_int_distribution<long>(8, 24)(random);
-        EXPECT_EQ(encodeAll(encoder, text, randomSplits(random, static_cast<long>(text.size())),
-                            room),
-                  whole);
+        EXPECT_EQ(
+            encodeAll(encoder, text, randomSplits(random, static_cast<long>(text.size())), room),
+            whole);
         if (!whole.failure.empty())
             continue;
         // What was encoded decodes back, whole or in pieces, unless it held a lone low
@@ -163,8 +165,8 @@ TEST(AMP7ConverterTest, RandomPiecesGiveTheWholeResult) {
             if (random() % 5 == 0)
                 b = static_cast<signed char>("&_;AMP0fF\xC3"[random() % 10]);
         }
-        EXPECT_EQ(decodeAll(decoder, noise, randomSplits(random, static_cast<long>(noise.size())),
-                            room),
-                  decodeAll(decoder, noise));
+        EXPECT_EQ(
+            decodeAll(decoder, noise, randomSplits(random, static_cast<long>(noise.size())), room),
+            decodeAll(decoder, noise));
     }
 }

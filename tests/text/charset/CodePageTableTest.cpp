@@ -35,11 +35,13 @@ std::vector<CodePage> codePages() {
     std::vector<CodePage> pages;
     // ICU's ibm-437 keeps IBM's control rotation (0x1A, 0x1C, 0x7F) and reads 0xE6 as the Greek
     // mu rather than the micro sign.
-    pages.push_back({"ibm-437_P100-1995", std::make_unique<BTCCP437>(),
+    pages.push_back({"ibm-437_P100-1995",
+                     std::make_unique<BTCCP437>(),
                      std::make_unique<CTBCP437>(),
                      {{0x1A, 0x001C}, {0x1C, 0x007F}, {0x7F, 0x001A}, {0xE6, 0x03BC}}});
     // ICU's windows-1252 gives the five undefined bytes the C1 controls of the same value.
-    pages.push_back({"ibm-5348_P100-1997", std::make_unique<BTCCP1252>(),
+    pages.push_back({"ibm-5348_P100-1997",
+                     std::make_unique<BTCCP1252>(),
                      std::make_unique<CTBCP1252>(),
                      {{0x81, 0x81}, {0x8D, 0x8D}, {0x8F, 0x8F}, {0x90, 0x90}, {0x9D, 0x9D}}});
     return pages;
@@ -114,7 +116,7 @@ TEST(CodePageTableTest, AgreesWithIcu) {
             const int icuChar = U_SUCCESS(status) && n == 1 ? out[0] : NONE;
             const auto differs = page.icuDiffers.find(b);
             EXPECT_EQ(icuChar, differs == page.icuDiffers.end() ? ourDecode(*page.decoder, b)
-                                                                  : differs->second)
+                                                                : differs->second)
                 << page.icuName << " byte " << b;
         }
         for (int c = 0; c < 0x10000; ++c) {
@@ -124,8 +126,8 @@ TEST(CodePageTableTest, AgreesWithIcu) {
             char out[4];
             status = U_ZERO_ERROR;
             const int32_t n = ucnv_fromUChars(icu, out, 4, &in, 1, &status);
-            const int icuByte = U_SUCCESS(status) && n == 1 ? static_cast<unsigned char>(out[0])
-                                                            : NONE;
+            const int icuByte =
+                U_SUCCESS(status) && n == 1 ? static_cast<unsigned char>(out[0]) : NONE;
             EXPECT_EQ(ourEncode(*page.encoder, static_cast<char16_t>(c)), icuByte)
                 << page.icuName << " U+" << std::hex << c;
         }

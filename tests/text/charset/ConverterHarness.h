@@ -51,9 +51,9 @@ template <class Out> void PrintTo(const Outcome<Out>& o, std::ostream* os) {
 }
 
 inline std::string describe(const Exception& e) {
-    std::string text = dynamic_cast<const InvalidCharacterException*>(&e)       ? "invalid"
+    std::string text = dynamic_cast<const InvalidCharacterException*>(&e)      ? "invalid"
                        : dynamic_cast<const UnmappableCharacterException*>(&e) ? "unmappable"
-                                                                                : "other";
+                                                                               : "other";
     const String message = e.getDescription();
     if (!message.isEmpty()) {
         text += ": ";

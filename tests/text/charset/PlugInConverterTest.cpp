@@ -76,7 +76,8 @@ class SplittingDecoder : public BTCMultiByte {
 public:
     uint32_t convertBytes(const signed char* bytes, long& length) override {
         length = 1;
-        m_pendingTrailSurrogate = static_cast<char16_t>(0xDC00 + static_cast<unsigned char>(*bytes));
+        m_pendingTrailSurrogate =
+            static_cast<char16_t>(0xDC00 + static_cast<unsigned char>(*bytes));
         return u'x';
     }
 };

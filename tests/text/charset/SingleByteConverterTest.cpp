@@ -147,7 +147,8 @@ TEST(SingleByteConverterTest, SurrogatesArePairedAcrossCalls) {
 }
 
 TEST(SingleByteConverterTest, UnpairedSurrogatesLeaveTheirPositions) {
-    const Units input = u"ab\xD83D" u"c";
+    const Units input = u"ab\xD83D"
+                        u"c";
     CTBCP437 cp437;
     Outcome<Bytes> result = encodeAll(cp437, input);
     EXPECT_EQ(result.out, bytes({'a', 'b'}));
@@ -184,8 +185,8 @@ TEST(SingleByteConverterTest, StopsAtEveryOutputBoundary) {
         for (long room = 0; room <= static_cast<long>(in.size()); ++room) {
             std::vector<char16_t> out(in.size() + 2, 0);
             long inPos = 0, outPos = 0;
-            p.decoder->convert(in.data(), &inPos, static_cast<long>(in.size()), out.data(),
-                               &outPos, room);
+            p.decoder->convert(in.data(), &inPos, static_cast<long>(in.size()), out.data(), &outPos,
+                               room);
             // One unit per byte with the default substitution, so both stop together.
             EXPECT_EQ(outPos, room);
             EXPECT_EQ(inPos, room);
@@ -226,9 +227,9 @@ TEST(SingleByteConverterTest, FastPathsMatchTheHooksInRandomPieces) {
         HookDecoder hookDecoder(*p.decoder);
         const Outcome<Units> expected = decodeAll(hookDecoder, in);
         const long room = std::uniform_int_distribution<long>(1, 20)(random);
-        EXPECT_EQ(decodeAll(*p.decoder, in, randomSplits(random, static_cast<long>(in.size())),
-                            room),
-                  expected)
+        EXPECT_EQ(
+            decodeAll(*p.decoder, in, randomSplits(random, static_cast<long>(in.size())), room),
+            expected)
             << "decoder round " << round;
 
         Units text(std::uniform_int_distribution<size_t>(0, 80)(random), u' ');
@@ -238,29 +239,29 @@ TEST(SingleByteConverterTest, FastPathsMatchTheHooksInRandomPieces) {
         HookEncoder hookEncoder(*p.encoder);
         const Outcome<Bytes> wanted = encodeAll(hookEncoder, text);
         p.encoder->reset();
-        Outcome<Bytes> got = encodeAll(*p.encoder, text,
-                                       randomSplits(random, static_cast<long>(text.size())), room);
+        Outcome<Bytes> got =
+            encodeAll(*p.encoder, text, randomSplits(random, static_cast<long>(text.size())), room);
         // A high surrogate that ended an earlier call cannot be returned to: the position
         // stays just after it.
         if (got.failedAt == wanted.failedAt + 1 && wanted.failedAt >= 0 &&
             isHighSurrogate(text[static_cast<size_t>(wanted.failedAt)]))
             got.failedAt = wanted.failedAt;
-        EXPECT_EQ(got, wanted)
-            << "encoder round " << round;
+        EXPECT_EQ(got, wanted) << "encoder round " << round;
     }
 }
 
 TEST(SingleByteConverterTest, MadeByNameAndByClass) {
-    const char16_t* const names[][2] = {
-        {u"ascii", u"ASCII"},   {u"us-ascii", u"ASCII"},   {u"819", u"ISO8859_1"},
-        {u"latin1", u"ISO8859_1"}, {u"ibm437", u"CP437"}, {u"437", u"CP437"},
-        {u"windows-1252", u"CP1252"}, {u"1252", u"CP1252"}};
+    const char16_t* const names[][2] = {{u"ascii", u"ASCII"},         {u"us-ascii", u"ASCII"},
+                                        {u"819", u"ISO8859_1"},       {u"latin1", u"ISO8859_1"},
+                                        {u"ibm437", u"CP437"},        {u"437", u"CP437"},
+                                        {u"windows-1252", u"CP1252"}, {u"1252", u"CP1252"}};
     for (const auto& n : names) {
         EXPECT_EQ(String(ByteToCharConverter::getConverter(n[0])->getEncodingName()), n[1]);
         EXPECT_EQ(String(CharToByteConverter::getConverter(n[0])->getEncodingName()), n[1]);
     }
-    for (const char16_t* name : {u"qn::text::charset::BTCCP437", u"qn::text::charset::CTBCP1252",
-                                 u"qn::text::charset::BTCASCII", u"qn::text::charset::CTBISO8859_1"}) {
+    for (const char16_t* name :
+         {u"qn::text::charset::BTCCP437", u"qn::text::charset::CTBCP1252",
+          u"qn::text::charset::BTCASCII", u"qn::text::charset::CTBISO8859_1"}) {
         Reference<Object> made(Class::forName(name)->createInstance());
         EXPECT_TRUE(Class::forName(name)->isInstance(*made));
     }

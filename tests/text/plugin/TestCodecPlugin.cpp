@@ -31,8 +31,8 @@ class TestCodec final : public IQNCharCodec {
 public:
     TestCodec() { ++g_live; }
     QNRESULT QN_STDCALL QueryInterface(const QNGUID& iid, void** out) override {
-        const bool known = same(iid, QN_IID_IQNUnknown) ||
-                           same(iid, qn::text::charset::IID_IQNCharCodec);
+        const bool known =
+            same(iid, QN_IID_IQNUnknown) || same(iid, qn::text::charset::IID_IQNCharCodec);
         *out = known ? this : nullptr;
         if (known)
             AddRef();
@@ -74,9 +74,12 @@ public:
         const unsigned lead = bytes[0];
         if (lead == 0xFE)
             return QN_E_FAIL;
-        const int32_t size = lead < 0x80 ? 1 : lead < 0xC0 ? 0 : lead < 0xE0 ? 2 : lead < 0xF0 ? 3
-                                                             : lead < 0xF8   ? 4
-                                                                             : 0;
+        const int32_t size = lead < 0x80   ? 1
+                             : lead < 0xC0 ? 0
+                             : lead < 0xE0 ? 2
+                             : lead < 0xF0 ? 3
+                             : lead < 0xF8 ? 4
+                                           : 0;
         if (size == 0) {
             *length = 1;
             return QN_S_OK;

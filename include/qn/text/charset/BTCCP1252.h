@@ -1,4 +1,5 @@
-// BTCCP1252: the "CP1252" decoder, the Windows code page 1252 (the undefined bytes 0x81, 0x8D, 0x8F, 0x90 and 0x9D are unmapped).
+// BTCCP1252: the "CP1252" decoder, the Windows code page 1252 (the undefined bytes 0x81, 0x8D,
+// 0x8F, 0x90 and 0x9D are unmapped).
 #pragma once
 
 #include "qn/text/charset/BTCSingleByteTable.h"

@@ -1,4 +1,5 @@
-// BTCCP437: the "CP437" decoder, the IBM PC code page 437 in full (bytes 0x00-0x1F are the controls U+0000-U+001F).
+// BTCCP437: the "CP437" decoder, the IBM PC code page 437 in full (bytes 0x00-0x1F are the controls
+// U+0000-U+001F).
 #pragma once
 
 #include "qn/text/charset/BTCSingleByteTable.h"

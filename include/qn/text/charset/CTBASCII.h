@@ -1,4 +1,5 @@
-// CTBASCII: the "ASCII" encoder: U+0000-U+007F are the bytes of the same value; everything above is unmapped.
+// CTBASCII: the "ASCII" encoder: U+0000-U+007F are the bytes of the same value; everything above is
+// unmapped.
 #pragma once
 
 #include "qn/text/charset/CTBSingleByte.h"

@@ -1,4 +1,5 @@
-// CTBCP437: the "CP437" encoder, the exact inverse of BTCCP437: the IBM PC code page 437 in full (bytes 0x00-0x1F are the controls U+0000-U+001F).
+// CTBCP437: the "CP437" encoder, the exact inverse of BTCCP437: the IBM PC code page 437 in full
+// (bytes 0x00-0x1F are the controls U+0000-U+001F).
 #pragma once
 
 #include "qn/text/charset/CTBSingleByteTable.h"

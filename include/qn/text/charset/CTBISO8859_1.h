@@ -1,4 +1,5 @@
-// CTBISO8859_1: the "ISO8859_1" encoder: U+0000-U+00FF are the bytes of the same value; everything above is unmapped.
+// CTBISO8859_1: the "ISO8859_1" encoder: U+0000-U+00FF are the bytes of the same value; everything
+// above is unmapped.
 #pragma once
 
 #include "qn/text/charset/CTBSingleByte.h"
