@@ -3,6 +3,8 @@
 #include "qn/text/charset/BTCAMP7.h"
 #include "qn/text/charset/CTBAMP7.h"
 
+#include "SingleByteKernels.h"
+
 namespace qn::text::charset {
 
 namespace {
@@ -121,14 +123,8 @@ long BTCAMP7::convert(const signed char* in, long* inPos, long inEnd, char16_t* 
                 String(u"Invalid AMP-7 sequence (decoded chars in surrogate range)"));
         }
         // Five digits reach U+FFFFF at most, so every value is a character.
-        if (v > 0xFFFF) {
-            if (outEnd - o < 2)
-                break;
-            out[o++] = static_cast<char16_t>(((v - 0x10000) >> 10) + 0xD800);
-            out[o++] = static_cast<char16_t>((v & 0x3FF) + 0xDC00);
-        } else {
-            out[o++] = static_cast<char16_t>(v);
-        }
+        if (!kernels::writeCodePoint(v, out, o, outEnd))
+            break;
         i += entity.length;
     }
     *inPos = i;

@@ -4,6 +4,7 @@
 #include "qn/text/charset/CTBCom.h"
 
 #include <algorithm>
+#include <tuple>
 
 namespace qn::text::charset {
 
@@ -14,22 +15,16 @@ void check(QNRESULT result) {
         throw ResultException(result);
 }
 
-// The name and maxima a plug-in reports, read once.
-struct CodecFacts {
-    String name;
-    int32_t maxBytesPerChar = -1;
-    int32_t maxCharsPerByte = -1;
-};
-
-CodecFacts readFacts(IQNCharCodec* codec) {
-    CodecFacts facts;
+// The name and both maxima a plug-in reports, read once.
+std::tuple<String, int32_t, int32_t> readFacts(IQNCharCodec* codec) {
     // Counted by the plug-in, so it lives on the heap.
     Reference<String> name = String::CQNString(u"");
     check(codec->GetEncodingName(name.get()));
-    facts.name = *name;
-    check(codec->GetMaxBytesPerChar(&facts.maxBytesPerChar));
-    check(codec->GetMaxCharsPerByte(&facts.maxCharsPerByte));
-    return facts;
+    int32_t maxBytesPerChar = -1;
+    int32_t maxCharsPerByte = -1;
+    check(codec->GetMaxBytesPerChar(&maxBytesPerChar));
+    check(codec->GetMaxCharsPerByte(&maxCharsPerByte));
+    return {*name, maxBytesPerChar, maxCharsPerByte};
 }
 
 } // namespace
@@ -43,10 +38,7 @@ Reference<CharToByteConverter> CTBCom::wrap(IQNUnknown* codec) {
 }
 
 BTCCom::BTCCom(IQNCharCodec* codec) : m_codec(codec) {
-    const CodecFacts facts = readFacts(codec);
-    m_encodingName = facts.name;
-    m_maxBytesPerChar = facts.maxBytesPerChar;
-    m_maxCharsPerByte = facts.maxCharsPerByte;
+    std::tie(m_encodingName, m_maxBytesPerChar, m_maxCharsPerByte) = readFacts(codec);
     m_codec->AddRef();
 }
 
@@ -65,10 +57,7 @@ uint32_t BTCCom::convertBytes(const signed char* bytes, long& length) {
 }
 
 CTBCom::CTBCom(IQNCharCodec* codec) : m_codec(codec), m_bytes(new util::RWByteBuffer(16)) {
-    const CodecFacts facts = readFacts(codec);
-    m_encodingName = facts.name;
-    m_maxBytesPerChar = facts.maxBytesPerChar;
-    m_maxCharsPerByte = facts.maxCharsPerByte;
+    std::tie(m_encodingName, m_maxBytesPerChar, m_maxCharsPerByte) = readFacts(codec);
     m_codec->AddRef();
 }
 

@@ -39,13 +39,8 @@ long BTCMultiByte::convert(const signed char* in, long* inPos, long inEnd, char1
             *outPos = o;
             throw InvalidCharacterException(
                 String(u"Invalid byte sequence (decoded chars in surrogate range)"));
-        } else if (v > 0xFFFF) {
-            if (outEnd - o < 2)
-                break;
-            out[o++] = static_cast<char16_t>(((v - 0x10000) >> 10) + 0xD800);
-            out[o++] = static_cast<char16_t>((v & 0x3FF) + 0xDC00);
-        } else {
-            out[o++] = static_cast<char16_t>(v);
+        } else if (!kernels::writeCodePoint(v, out, o, outEnd)) {
+            break;
         }
         i += used;
     }

@@ -63,6 +63,20 @@ inline bool isLowSurrogate(char16_t c) {
     return c >= 0xDC00 && c <= 0xDFFF;
 }
 
+// Writes a character below U+110000 outside the surrogate range as one unit, or as a surrogate
+// pair when it needs two slots; false, writing nothing, when they are not there.
+inline bool writeCodePoint(uint32_t v, char16_t* out, long& o, long outEnd) {
+    if (v <= 0xFFFF) {
+        out[o++] = static_cast<char16_t>(v);
+        return true;
+    }
+    if (outEnd - o < 2)
+        return false;
+    out[o++] = static_cast<char16_t>(((v - 0x10000) >> 10) + 0xD800);
+    out[o++] = static_cast<char16_t>((v & 0x3FF) + 0xDC00);
+    return true;
+}
+
 // Before an exception of an encoder that pairs surrogates, whose offending sequence began at
 // input position at: back to that position with nothing pending when the sequence began in this
 // call (at is not before the call's *inPos); when its high surrogate ended an earlier call,
