@@ -7,14 +7,18 @@
 
 #include <algorithm>
 #include <cstdint>
+#include <cstdio>
 #include <cstdlib>
 #include <vector>
 
 namespace fuzzsupport {
 
-inline void check(bool condition) {
-    if (!condition)
+// Aborts, naming the line of the failed check (for reading a crash without a debugger).
+inline void check(bool condition, int line = __builtin_LINE()) {
+    if (!condition) {
+        std::fprintf(stderr, "check failed at line %d\n", line);
         std::abort();
+    }
 }
 
 // A small deterministic generator, seeded from the fuzz input.
@@ -42,11 +46,11 @@ template <class OutUnit> struct Outcome {
 // Runs step(inPos, inEnd, out, outPos, outEnd) -> written until it makes no progress with the
 // whole input in view and an output window of maxRoom (at least the longest single result). The
 // output buffer holds capacity units. Without random, one call sees everything; with it, the
-// input is revealed 1 to maxChunk units further per call and each window has 1 to maxRoom
+// input is revealed 1 to maxChunk units further per call and each window has minRoom to maxRoom
 // units.
 template <class OutUnit, class Step>
 Outcome<OutUnit> run(long inSize, long capacity, Random* random, long maxChunk, long maxRoom,
-                     Step step) {
+                     Step step, long minRoom = 1) {
     Outcome<OutUnit> outcome;
     outcome.out.assign(static_cast<size_t>(capacity), OutUnit{});
     long available = 0;
@@ -65,7 +69,7 @@ Outcome<OutUnit> run(long inSize, long capacity, Random* random, long maxChunk, 
             available = random ? std::min(inSize, std::max(available, outcome.inPos) +
                                                       random->upTo(maxChunk))
                                : inSize;
-            const long room = random ? random->upTo(maxRoom) : capacity;
+            const long room = random ? minRoom - 1 + random->upTo(maxRoom - minRoom + 1) : capacity;
             if (call(room) || available < inSize)
                 continue;
             if (!random || room == maxRoom || !call(maxRoom))
