@@ -15,11 +15,7 @@ long CTBUTF8::convert(const char16_t* in, long* inPos, long inEnd, signed char* 
 }
 
 long CTBUTF8::flush(signed char*, long*, long) {
-    if (m_pendingHighSurrogate != 0) {
-        m_pendingHighSurrogate = 0;
-        utf::throwInvalid(QN_STR_LIT(u"leading surrogate without trailing"));
-    }
-    return 0;
+    return utf::flushPending(m_pendingHighSurrogate);
 }
 
 void CTBUTF8::reset() {

@@ -42,7 +42,7 @@ long BTCUTF16::getMaxCharsPerByte() const {
 BTCUTF16LE::~BTCUTF16LE() = default;
 long BTCUTF16LE::convert(const signed char* in, long* inPos, long inEnd, char16_t* out,
                          long* outPos, long outEnd) {
-    return decode16(in, inPos, inEnd, out, outPos, outEnd, utf::sameOrder16);
+    return decode16(in, inPos, inEnd, out, outPos, outEnd, [](char16_t u) { return u; });
 }
 const char16_t* BTCUTF16LE::getEncodingName() const {
     return u"UTF-16LE";
@@ -57,7 +57,8 @@ uint32_t BTCUTF16LE::convertUTF32(uint32_t unit) const {
 BTCUTF16BE::~BTCUTF16BE() = default;
 long BTCUTF16BE::convert(const signed char* in, long* inPos, long inEnd, char16_t* out,
                          long* outPos, long outEnd) {
-    return decode16(in, inPos, inEnd, out, outPos, outEnd, utf::swapOrder16);
+    return decode16(in, inPos, inEnd, out, outPos, outEnd,
+                    [](char16_t u) { return utf::swapOrder16(u); });
 }
 const char16_t* BTCUTF16BE::getEncodingName() const {
     return u"UTF-16BE";
@@ -84,7 +85,7 @@ long CTBUTF16::getMaxCharsPerByte() const {
 CTBUTF16LE::~CTBUTF16LE() = default;
 long CTBUTF16LE::convert(const char16_t* in, long* inPos, long inEnd, signed char* out,
                          long* outPos, long outEnd) {
-    return encode16(in, inPos, inEnd, out, outPos, outEnd, utf::sameOrder16);
+    return encode16(in, inPos, inEnd, out, outPos, outEnd, [](char16_t u) { return u; });
 }
 const char16_t* CTBUTF16LE::getEncodingName() const {
     return u"UTF-16LE";
@@ -99,7 +100,8 @@ uint32_t CTBUTF16LE::convertUTF32(uint32_t unit) const {
 CTBUTF16BE::~CTBUTF16BE() = default;
 long CTBUTF16BE::convert(const char16_t* in, long* inPos, long inEnd, signed char* out,
                          long* outPos, long outEnd) {
-    return encode16(in, inPos, inEnd, out, outPos, outEnd, utf::swapOrder16);
+    return encode16(in, inPos, inEnd, out, outPos, outEnd,
+                    [](char16_t u) { return utf::swapOrder16(u); });
 }
 const char16_t* CTBUTF16BE::getEncodingName() const {
     return u"UTF-16BE";

@@ -57,11 +57,7 @@ long CTBUTF32::convert(const char16_t* in, long* inPos, long inEnd, signed char*
     });
 }
 long CTBUTF32::flush(signed char*, long*, long) {
-    if (m_pendingHighSurrogate != 0) {
-        m_pendingHighSurrogate = 0;
-        utf::throwInvalid(QN_STR_LIT(u"leading surrogate without trailing"));
-    }
-    return 0;
+    return utf::flushPending(m_pendingHighSurrogate);
 }
 void CTBUTF32::reset() {
     m_pendingHighSurrogate = 0;

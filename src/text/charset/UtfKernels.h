@@ -74,11 +74,21 @@ inline bool pairSurrogates(char16_t unit, char16_t& pending, uint32_t& value) {
     return true;
 }
 
-// Writes a code point above U+FFFF: a surrogate pair, or for U+110000 and above the
-// substitution run (substitute(out, o, outEnd) writes it, or says stop, or throws). False: stop.
+// Writes one decoded code point at out[o]: nothing when the output is full; above U+FFFF a
+// surrogate pair (two free units needed), or for U+110000 and above the substitution run
+// (substitute(out, o, outEnd) writes it, or says stop, or throws); a value in the surrogate
+// range throws InvalidCharacterException with message. False: stop before this code point.
 template <class Substitute>
-bool writeSupplementary(uint32_t value, char16_t* out, long& o, long outEnd,
-                        Substitute& substitute) {
+bool writeDecoded(uint32_t value, char16_t* out, long& o, long outEnd, Substitute& substitute,
+                  const STRUCT_QN_STR_LIT_INFO& message) {
+    if (o >= outEnd)
+        return false;
+    if (value <= 0xFFFFu) {
+        if (isSurrogate(value))
+            throwInvalid(message);
+        out[o++] = static_cast<char16_t>(value);
+        return true;
+    }
     if (value >= 0x110000u)
         return substitute(out, o, outEnd);
     if (outEnd - o < 2)
@@ -87,6 +97,15 @@ bool writeSupplementary(uint32_t value, char16_t* out, long& o, long outEnd,
     out[o + 1] = static_cast<char16_t>((value & 0x3FFu) + 0xDC00u);
     o += 2;
     return true;
+}
+
+// flush of the encoders that pair surrogates: a pending high surrogate is dropped and refused.
+inline long flushPending(char16_t& pending) {
+    if (pending != 0) {
+        pending = 0;
+        throwInvalid(QN_STR_LIT(u"leading surrogate without trailing"));
+    }
+    return 0;
 }
 
 // The sequence length of each lead byte; 0 for bytes that never lead.
@@ -175,17 +194,67 @@ inline void narrowAscii(const char16_t* in, long& i, long inEnd, uint8_t* out, l
     o += k;
 }
 
+// The fast form's inner loop: while any sequence fits in the input and any result in the
+// output, takes ASCII (a block at a time where it can) and well-formed sequences whose value
+// needs neither substitution nor an exception, and leaves everything else to the simple loop.
+// The positions live in locals here: stores through the output must not force them to memory.
+inline void decodeUtf8Common(const uint8_t* in, long& inPos, long inEnd, char16_t* out,
+                             long& outPos, long outEnd) {
+    long i = inPos;
+    long o = outPos;
+    while (inEnd - i >= 4 && outEnd - o >= 2) {
+        const uint32_t b0 = in[i];
+        if (b0 < 0x80) {
+            if (inEnd - i >= 16 && outEnd - o >= 16 && in[i + 1] < 0x80) {
+                widenAscii(in, i, inEnd, out, o, outEnd);
+                continue;
+            }
+            out[o++] = static_cast<char16_t>(b0);
+            ++i;
+            continue;
+        }
+        const uint32_t b1 = in[i + 1];
+        if (b0 - 0xC2u < 0x1Eu && isContinuation(b1)) {
+            out[o++] = static_cast<char16_t>((b0 << 6) + b1 - 0x3080u);
+            i += 2;
+            continue;
+        }
+        const uint32_t b2 = in[i + 2];
+        if ((b0 & 0xF0u) == 0xE0u && isContinuation(b1) && isContinuation(b2)) {
+            const uint32_t value = (((b0 << 6) + b1) << 6) + b2 - 0xE2080u;
+            if (isSurrogate(value))
+                break;
+            out[o++] = static_cast<char16_t>(value);
+            i += 3;
+            continue;
+        }
+        const uint32_t b3 = in[i + 3];
+        if (b0 - 0xF0u < 5u && b1 - 0x80u < 0x30u && isContinuation(b2) && isContinuation(b3)) {
+            const uint32_t value =
+                (((((b0 << 6) + b1) << 6) + b2) << 6) + b3 - 0x3C82080u - 0x10000u;
+            if (value >= 0x100000u)
+                break;
+            out[o] = static_cast<char16_t>((value >> 10) + 0xD800u);
+            out[o + 1] = static_cast<char16_t>((value & 0x3FFu) + 0xDC00u);
+            o += 2;
+            i += 4;
+            continue;
+        }
+        break;
+    }
+    inPos = i;
+    outPos = o;
+}
+
 // UTF-8 to UTF-16 (the rules are listed in BTCUTF8.h).
 template <bool Fast, class Substitute>
 void decodeUtf8(const uint8_t* in, long& i, long inEnd, char16_t* out, long& o, long outEnd,
                 Substitute&& substitute) {
     while (i < inEnd) {
         if constexpr (Fast) {
-            if (in[i] < 0x80) {
-                widenAscii(in, i, inEnd, out, o, outEnd);
-                if (i >= inEnd)
-                    return;
-            }
+            decodeUtf8Common(in, i, inEnd, out, o, outEnd);
+            if (i >= inEnd)
+                return;
         }
         const uint32_t b0 = in[i];
         const int length = UTF8_LENGTHS.length[b0];
@@ -221,18 +290,44 @@ void decodeUtf8(const uint8_t* in, long& i, long inEnd, char16_t* out, long& o, 
         default:
             break;
         }
-        if (o >= outEnd)
+        if (!writeDecoded(value, out, o, outEnd, substitute,
+                          QN_STR_LIT(u"Invalid UTF-8 sequence (decoded chars in surrogate range)")))
             return;
-        if (value > 0xFFFFu) {
-            if (!writeSupplementary(value, out, o, outEnd, substitute))
-                return;
-        } else if (isSurrogate(value)) {
-            throwInvalid(QN_STR_LIT(u"Invalid UTF-8 sequence (decoded chars in surrogate range)"));
-        } else {
-            out[o++] = static_cast<char16_t>(value);
-        }
         i += used;
     }
+}
+
+// The fast form's inner loop, with no surrogate pending: while any result fits in the output,
+// takes ASCII (a block at a time where it can) and every unit outside the surrogate range, and
+// leaves surrogates to the simple loop. The positions live in locals, as above.
+inline void encodeUtf8Common(const char16_t* in, long& inPos, long inEnd, uint8_t* out,
+                             long& outPos, long outEnd) {
+    long i = inPos;
+    long o = outPos;
+    while (i < inEnd && outEnd - o >= 3) {
+        const uint32_t unit = in[i];
+        if (unit < 0x80) {
+            if (inEnd - i >= 16 && outEnd - o >= 16 && in[i + 1] < 0x80) {
+                narrowAscii(in, i, inEnd, out, o, outEnd);
+                continue;
+            }
+            out[o++] = static_cast<uint8_t>(unit);
+        } else if (unit < 0x800) {
+            out[o] = static_cast<uint8_t>(0xC0u | (unit >> 6));
+            out[o + 1] = static_cast<uint8_t>(0x80u | (unit & 0x3Fu));
+            o += 2;
+        } else if (!isSurrogate(unit)) {
+            out[o] = static_cast<uint8_t>(0xE0u | (unit >> 12));
+            out[o + 1] = static_cast<uint8_t>(0x80u | ((unit >> 6) & 0x3Fu));
+            out[o + 2] = static_cast<uint8_t>(0x80u | (unit & 0x3Fu));
+            o += 3;
+        } else {
+            break;
+        }
+        ++i;
+    }
+    inPos = i;
+    outPos = o;
 }
 
 // UTF-16 to UTF-8 (the rules are listed in CTBUTF8.h); pending is the encoder's pending high
@@ -242,8 +337,8 @@ void encodeUtf8(const char16_t* in, long& i, long inEnd, uint8_t* out, long& o, 
                 char16_t& pending) {
     while (i < inEnd) {
         if constexpr (Fast) {
-            if (pending == 0 && in[i] < 0x80) {
-                narrowAscii(in, i, inEnd, out, o, outEnd);
+            if (pending == 0) {
+                encodeUtf8Common(in, i, inEnd, out, o, outEnd);
                 if (i >= inEnd)
                     return;
             }
@@ -280,17 +375,9 @@ void decodeUtf32(const uint8_t* in, long& i, long inEnd, char16_t* out, long& o,
     while (inEnd - i >= 4) {
         uint32_t raw;
         std::memcpy(&raw, in + i, 4);
-        const uint32_t value = order(raw);
-        if (o >= outEnd)
+        if (!writeDecoded(order(raw), out, o, outEnd, substitute,
+                          QN_STR_LIT(u"Illegal UTF-32 char in surrogate range")))
             return;
-        if (value > 0xFFFFu) {
-            if (!writeSupplementary(value, out, o, outEnd, substitute))
-                return;
-        } else if (isSurrogate(value)) {
-            throwInvalid(QN_STR_LIT(u"Illegal UTF-32 char in surrogate range"));
-        } else {
-            out[o++] = static_cast<char16_t>(value);
-        }
         i += 4;
     }
 }
