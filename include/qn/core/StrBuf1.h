@@ -18,10 +18,12 @@ namespace qn {
 //   heap. Assigning or appending a view of the buffer's own bytes is safe.
 // - Changing operations return the buffer, so calls chain; indices are clamped as for Str1.
 // - Case mapping: ASCII letters map directly. Other bytes map as the characters they encode:
-//   for "ISO8859_1" the byte is the code point; for any other encoding the text is decoded,
-//   mapped with the core module's simple case mapping, and encoded again, and a character whose
-//   other case the encoding cannot represent keeps its case. So "stra\xDFe" stays as it is
-//   (no one-to-many mappings), and in ISO8859_1 y-diaeresis keeps its lower case.
+//   for "ISO8859_1" (and its aliases) the byte is the code point; for any other encoding the
+//   text is decoded, mapped with the core module's simple case mapping, and encoded again, and a
+//   character whose other case the encoding cannot represent keeps its case. So "stra\xDFe"
+//   stays as it is (no one-to-many mappings), and in ISO8859_1 y-diaeresis keeps its lower
+//   case. Text that does not decode and encode back to the same bytes is left alone, and so is
+//   everything but ASCII letters when no converter knows the encoding.
 // - A failed allocation throws std::bad_alloc and leaves the buffer unchanged.
 class QNCL_API StrBuf1 : public Str1 {
 public:
