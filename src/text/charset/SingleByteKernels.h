@@ -117,6 +117,23 @@ long decode(const Map& map, const ByteSubstitution& substitution, const signed c
             }
             const long limit = std::min({inEnd - i, outEnd - o, RUN});
             long k = 0;
+            // Eight bytes are copied out first: the stores to out cannot then force the bytes
+            // to be read again one by one.
+            for (; k + 8 <= limit; k += 8) {
+                unsigned char chunk[8];
+                std::memcpy(chunk, bytes + i + k, sizeof chunk);
+                int j = 0;
+                for (; j < 8; ++j) {
+                    const char16_t c = map(chunk[j]);
+                    if (c == 0xFFFD)
+                        break;
+                    out[o + k + j] = c;
+                }
+                if (j < 8) {
+                    k += j;
+                    break;
+                }
+            }
             for (; k < limit; ++k) {
                 const char16_t c = map(bytes[i + k]);
                 if (c == 0xFFFD)
