@@ -28,8 +28,8 @@ long encode16(const char16_t* in, long* inPos, long inEnd, signed char* out, lon
 } // namespace
 
 BTCUTF16::~BTCUTF16() = default;
-long BTCUTF16::convert(const signed char* in, long* inPos, long inEnd, char16_t* out,
-                       long* outPos, long outEnd) {
+long BTCUTF16::convert(const signed char* in, long* inPos, long inEnd, char16_t* out, long* outPos,
+                       long outEnd) {
     return sameEncodingConvert(in, inPos, inEnd, out, outPos, outEnd);
 }
 long BTCUTF16::getMaxBytesPerChar() const {
@@ -71,8 +71,8 @@ uint32_t BTCUTF16BE::convertUTF32(uint32_t unit) const {
 }
 
 CTBUTF16::~CTBUTF16() = default;
-long CTBUTF16::convert(const char16_t* in, long* inPos, long inEnd, signed char* out,
-                       long* outPos, long outEnd) {
+long CTBUTF16::convert(const char16_t* in, long* inPos, long inEnd, signed char* out, long* outPos,
+                       long outEnd) {
     return sameEncodingConvert(in, inPos, inEnd, out, outPos, outEnd);
 }
 long CTBUTF16::getMaxBytesPerChar() const {

@@ -7,8 +7,8 @@
 namespace qn::text::charset {
 
 BTCUTF32::~BTCUTF32() = default;
-long BTCUTF32::convert(const signed char* in, long* inPos, long inEnd, char16_t* out,
-                       long* outPos, long outEnd) {
+long BTCUTF32::convert(const signed char* in, long* inPos, long inEnd, char16_t* out, long* outPos,
+                       long outEnd) {
     return utf::runConvert(inPos, outPos, [&](long& i, long& o) {
         utf::decodeUtf32(
             reinterpret_cast<const uint8_t*>(in), i, inEnd, out, o, outEnd,
@@ -48,8 +48,8 @@ uint32_t BTCUTF32BE::convertUTF32(uint32_t unit) const {
 }
 
 CTBUTF32::~CTBUTF32() = default;
-long CTBUTF32::convert(const char16_t* in, long* inPos, long inEnd, signed char* out,
-                       long* outPos, long outEnd) {
+long CTBUTF32::convert(const char16_t* in, long* inPos, long inEnd, signed char* out, long* outPos,
+                       long outEnd) {
     return utf::runConvert(inPos, outPos, [&](long& i, long& o) {
         utf::encodeUtf32(in, i, inEnd, reinterpret_cast<uint8_t*>(out), o, outEnd,
                          m_pendingHighSurrogate,
