@@ -228,3 +228,19 @@ TEST(EncInfo, LookupsByNameAliasAndCodePage) {
         EXPECT_EQ(QNGetEncInfoByCodePage(missing, &info), QN_E_FAIL);
     EXPECT_EQ(QNGetEncInfoByCodePage(1252, nullptr), QN_E_INVALIDARG);
 }
+
+TEST(CodecManager, ConverterClassesAreRegisteredByTheirFullNames) {
+    for (const char16_t* name :
+         {u"qn::text::charset::BTCUTF8", u"qn::text::charset::CTBUTF8",
+          u"qn::text::charset::BTCUTF16LE", u"qn::text::charset::CTBUTF16BE",
+          u"qn::text::charset::BTCUTF32BE", u"qn::text::charset::CTBUTF32LE"}) {
+        const Class* type = Class::forName(name);
+        Reference<Object> made = type->createInstance();
+        EXPECT_EQ(std::u16string(made->getClass()->getName()), name);
+        EXPECT_EQ(made->GetRefCount(), 1u);
+    }
+    EXPECT_THROW(Class::forName(u"CQNByteToCharConverter")->createInstance(),
+                 IllegalAccessException);
+    EXPECT_THROW(Class::forName(u"CQNCharToByteConverter")->createInstance(),
+                 IllegalAccessException);
+}
