@@ -28,14 +28,15 @@ using namespace qn::text::charset;
 constexpr size_t TARGET_BYTES = 256 * 1024;
 
 // Words of each script, joined by spaces and punctuation into about TARGET_BYTES of UTF-8.
-const char16_t* const ASCII_WORDS[] = {u"the", u"quick", u"brown", u"fox", u"jumps", u"over",
-                                       u"lazy", u"dog,", u"while", u"numbers", u"1234", u"run."};
-const char16_t* const LATIN1_WORDS[] = {u"Grüße", u"aus", u"Köln", u"und", u"Zürich;", u"café",
-                                        u"crème", u"brûlée", u"à", u"la", u"façon", u"élevée."};
-const char16_t* const RUSSIAN_WORDS[] = {u"Привет,", u"мир!", u"Съешь", u"же", u"ещё",
-                                         u"этих", u"мягких", u"французских", u"булок."};
-const char16_t* const GREEK_WORDS[] = {u"Ξεσκεπάζω", u"την", u"ψυχοφθόρα", u"βδελυγμία,",
-                                       u"καλημέρα", u"κόσμε."};
+const char16_t* const ASCII_WORDS[] = {u"the",  u"quick", u"brown", u"fox",     u"jumps", u"over",
+                                       u"lazy", u"dog,",  u"while", u"numbers", u"1234",  u"run."};
+const char16_t* const LATIN1_WORDS[] = {u"Grüße",   u"aus",  u"Köln",  u"und",
+                                        u"Zürich;", u"café", u"crème", u"brûlée",
+                                        u"à",       u"la",   u"façon", u"élevée."};
+const char16_t* const RUSSIAN_WORDS[] = {u"Привет,", u"мир!",   u"Съешь",       u"же",    u"ещё",
+                                         u"этих",    u"мягких", u"французских", u"булок."};
+const char16_t* const GREEK_WORDS[] = {u"Ξεσκεπάζω",  u"την",      u"ψυχοφθόρα",
+                                       u"βδελυγμία,", u"καλημέρα", u"κόσμε."};
 const char16_t* const CHINESE_WORDS[] = {u"我能吞下玻璃而不伤身体。", u"东京都", u"中文文本",
                                          u"字符集转换，", u"性能测试"};
 const char16_t* const EMOJI_WORDS[] = {u"😀😃😄", u"🚀", u"ok", u"👍🏽", u"🎉🎊", u"❤️", u"🌍."};
@@ -131,8 +132,8 @@ void decodeIcu(benchmark::State& state, const std::string& bytes, size_t units) 
     for (auto _ : state) {
         UErrorCode error = U_ZERO_ERROR;
         int32_t length = 0;
-        u_strFromUTF8(reinterpret_cast<UChar*>(&out[0]), static_cast<int32_t>(out.size()),
-                      &length, bytes.data(), static_cast<int32_t>(bytes.size()), &error);
+        u_strFromUTF8(reinterpret_cast<UChar*>(&out[0]), static_cast<int32_t>(out.size()), &length,
+                      bytes.data(), static_cast<int32_t>(bytes.size()), &error);
         benchmark::DoNotOptimize(out.data());
         if (U_FAILURE(error) || length != static_cast<int32_t>(units))
             state.SkipWithError("ICU failed");
@@ -156,8 +157,7 @@ void encodeIcu(benchmark::State& state, const std::u16string& units, size_t byte
 }
 
 // ucnv for the fixed-width forms, which have no u_str function.
-void decodeUcnv(benchmark::State& state, const char* name, const std::string& bytes,
-                size_t units) {
+void decodeUcnv(benchmark::State& state, const char* name, const std::string& bytes, size_t units) {
     UErrorCode error = U_ZERO_ERROR;
     UConverter* converter = ucnv_open(name, &error);
     std::u16string out(units + 16, u'\0');

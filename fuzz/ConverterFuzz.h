@@ -66,9 +66,10 @@ Outcome<OutUnit> run(long inSize, long capacity, Random* random, long maxChunk, 
     };
     try {
         for (;;) {
-            available = random ? std::min(inSize, std::max(available, outcome.inPos) +
-                                                      random->upTo(maxChunk))
-                               : inSize;
+            available =
+                random
+                    ? std::min(inSize, std::max(available, outcome.inPos) + random->upTo(maxChunk))
+                    : inSize;
             const long room = random ? minRoom - 1 + random->upTo(maxRoom - minRoom + 1) : capacity;
             if (call(room) || available < inSize)
                 continue;

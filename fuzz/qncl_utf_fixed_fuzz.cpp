@@ -26,8 +26,7 @@ Outcome<OutUnit> convert(const std::vector<InUnit>& in, bool mode, Random* rando
     const long size = static_cast<long>(in.size());
     return run<OutUnit>(size, 4 * size + 8, random, 11, 9,
                         [&](long* inPos, long inEnd, OutUnit* out, long* outPos, long outEnd) {
-                            return converter.convert(in.data(), inPos, inEnd, out, outPos,
-                                                     outEnd);
+                            return converter.convert(in.data(), inPos, inEnd, out, outPos, outEnd);
                         });
 }
 
@@ -42,7 +41,8 @@ Outcome<OutUnit> checkPieces(const std::vector<InUnit>& in, bool mode, uint32_t 
 // The bytes with each unit of width bytes reversed; a trailing partial unit stays as it is.
 std::vector<signed char> swapped(std::vector<signed char> bytes, size_t width) {
     for (size_t k = 0; k + width <= bytes.size(); k += width)
-        std::reverse(bytes.begin() + static_cast<long>(k), bytes.begin() + static_cast<long>(k + width));
+        std::reverse(bytes.begin() + static_cast<long>(k),
+                     bytes.begin() + static_cast<long>(k + width));
     return bytes;
 }
 

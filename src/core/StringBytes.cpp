@@ -70,8 +70,7 @@ String::String(const char* bytes, int32_t length, const char16_t* encoding) : St
     setTo(bytes, length, encoding);
 }
 
-Reference<String> String::CQNString(const char* bytes, int32_t length,
-                                    const char16_t* encoding) {
+Reference<String> String::CQNString(const char* bytes, int32_t length, const char16_t* encoding) {
     return Reference<String>(new String(bytes, length, encoding));
 }
 

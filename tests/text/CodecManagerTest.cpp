@@ -1,7 +1,7 @@
+#include "qn/text/charset/CodecManager.h"
 #include "qn/core/Library.h"
 #include "qn/text/charset/BTCUTF8.h"
 #include "qn/text/charset/CTBUTF8.h"
-#include "qn/text/charset/CodecManager.h"
 #include "qn/text/charset/QnEncInfo.h"
 
 #include "text/ConverterSupport.h"
@@ -30,9 +30,9 @@ TEST(CodecManager, FindsConvertersByNameAliasAndCodePage) {
         const char16_t* asked;
         const char16_t* found;
     } cases[] = {
-        {u"utf-8", u"UTF-8"},        {u"UTF8", u"UTF-8"},         {u"utf_8", u"UTF-8"},
-        {u"65001", u"UTF-8"},        {u"utf-16le", u"UTF-16LE"},  {u"UTF-16BE", u"UTF-16BE"},
-        {u"Utf-32Le", u"UTF-32LE"},  {u"utf-32be", u"UTF-32BE"},
+        {u"utf-8", u"UTF-8"},       {u"UTF8", u"UTF-8"},        {u"utf_8", u"UTF-8"},
+        {u"65001", u"UTF-8"},       {u"utf-16le", u"UTF-16LE"}, {u"UTF-16BE", u"UTF-16BE"},
+        {u"Utf-32Le", u"UTF-32LE"}, {u"utf-32be", u"UTF-32BE"},
     };
     for (const auto& c : cases) {
         EXPECT_EQ(std::u16string(ByteToCharConverter::getConverter(c.asked)->getEncodingName()),
@@ -66,7 +66,8 @@ TEST(CodecManager, UnknownNamesCarryTheNameAsked) {
 }
 
 TEST(CodecManager, DefaultConverterAlwaysComesBack) {
-    Reference<ByteToCharConverter> decoder = ByteToCharConverter::getConverter(nullptr);
+    Reference<ByteToCharConverter> decoder =
+        ByteToCharConverter::getConverter(static_cast<const char16_t*>(nullptr));
     Reference<CharToByteConverter> encoder = CharToByteConverter::getDefaultConverter();
     ASSERT_TRUE(decoder);
     ASSERT_TRUE(encoder);
@@ -186,8 +187,8 @@ TEST(EncInfo, EnumerationAndItsSizeQuery) {
     EXPECT_EQ(QNEnumerateEncInfo(&count, records), QN_S_OK);
     EXPECT_EQ(count, 28u);
     const std::pair<const char16_t*, int32_t> expected[] = {
-        {u"ASCII", 20127}, {u"ISO8859_1", 28591}, {u"CP437", 437},  {u"CP1252", 1252},
-        {u"UTF-8", 65001}, {u"CP1250", 1250},     {u"CP720", 720},  {u"EUCJP", 20932}};
+        {u"ASCII", 20127}, {u"ISO8859_1", 28591}, {u"CP437", 437}, {u"CP1252", 1252},
+        {u"UTF-8", 65001}, {u"CP1250", 1250},     {u"CP720", 720}, {u"EUCJP", 20932}};
     const int at[] = {0, 1, 2, 3, 4, 5, 13, 27};
     for (int k = 0; k < 8; ++k) {
         EXPECT_EQ(nameOf(records[at[k]]), expected[k].first);
@@ -202,10 +203,10 @@ TEST(EncInfo, LookupsByNameAliasAndCodePage) {
         const char16_t* name;
         const char16_t* record;
     } found[] = {
-        {u"euc-jp", u"EUCJP"},         {u"EUC_JP", u"EUCJP"},   {u"20932", u"EUCJP"},
-        {u"windows-1252", u"CP1252"},  {u"819", u"ISO8859_1"},  {u"latin1", u"ISO8859_1"},
-        {u"us-ascii", u"ASCII"},       {u"utf_8", u"UTF-8"},    {u"ks_c_5601-1987", u"CP949"},
-        {u"Big5", u"CP950"},           {u"ibm-437", u"CP437"},
+        {u"euc-jp", u"EUCJP"},        {u"EUC_JP", u"EUCJP"},  {u"20932", u"EUCJP"},
+        {u"windows-1252", u"CP1252"}, {u"819", u"ISO8859_1"}, {u"latin1", u"ISO8859_1"},
+        {u"us-ascii", u"ASCII"},      {u"utf_8", u"UTF-8"},   {u"ks_c_5601-1987", u"CP949"},
+        {u"Big5", u"CP950"},          {u"ibm-437", u"CP437"},
     };
     for (const auto& f : found) {
         QnEncInfo info{};
@@ -226,4 +227,20 @@ TEST(EncInfo, LookupsByNameAliasAndCodePage) {
     for (int32_t missing : {0, -1, 1200, 65000})
         EXPECT_EQ(QNGetEncInfoByCodePage(missing, &info), QN_E_FAIL);
     EXPECT_EQ(QNGetEncInfoByCodePage(1252, nullptr), QN_E_INVALIDARG);
+}
+
+TEST(CodecManager, ConverterClassesAreRegisteredByTheirFullNames) {
+    for (const char16_t* name :
+         {u"qn::text::charset::BTCUTF8", u"qn::text::charset::CTBUTF8",
+          u"qn::text::charset::BTCUTF16LE", u"qn::text::charset::CTBUTF16BE",
+          u"qn::text::charset::BTCUTF32BE", u"qn::text::charset::CTBUTF32LE"}) {
+        const Class* type = Class::forName(name);
+        Reference<Object> made = type->createInstance();
+        EXPECT_EQ(std::u16string(made->getClass()->getName()), name);
+        EXPECT_EQ(made->GetRefCount(), 1u);
+    }
+    EXPECT_THROW(Class::forName(u"CQNByteToCharConverter")->createInstance(),
+                 IllegalAccessException);
+    EXPECT_THROW(Class::forName(u"CQNCharToByteConverter")->createInstance(),
+                 IllegalAccessException);
 }

@@ -34,7 +34,8 @@ TEST(StringBytes, IntoACallerArrayWholeCharactersOnly) {
     EXPECT_EQ(s.getBytes(buffer, 5, u"UTF-8"), 4);
     EXPECT_STREQ(buffer, "h\xE2\x82\xAC");
     EXPECT_EQ(s.getBytes(buffer, 8, u"UTF-8"), 7);
-    EXPECT_STREQ(buffer, "h\xE2\x82\xAC" "llo");
+    EXPECT_STREQ(buffer, "h\xE2\x82\xAC"
+                         "llo");
     buffer[0] = 'x';
     EXPECT_EQ(s.getBytes(buffer, 0, u"UTF-8"), 0);
     EXPECT_EQ(buffer[0], 'x');

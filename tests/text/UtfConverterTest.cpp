@@ -39,14 +39,14 @@ TEST(BTCUTF8, DecodesWhatTheLeadByteTableAllows) {
         Units out;
     } cases[] = {
         {{0x41, 0xC3, 0xA9, 0xE2, 0x82, 0xAC}, u"A\u00E9\u20AC"},
-        {{0xC0, 0x80}, {FFFD, FFFD}},             // C0 and C1 never lead
-        {{0xC2, 0x41}, {FFFD, u'A'}},             // a bad second byte costs one byte only
-        {{0xE0, 0x80, 0x80}, Units(1, u'\0')},    // overlong three-byte forms are taken
+        {{0xC0, 0x80}, {FFFD, FFFD}},          // C0 and C1 never lead
+        {{0xC2, 0x41}, {FFFD, u'A'}},          // a bad second byte costs one byte only
+        {{0xE0, 0x80, 0x80}, Units(1, u'\0')}, // overlong three-byte forms are taken
         {{0xF0, 0x80, 0x80, 0x80}, Units(1, u'\0')},
         {{0xF0, 0x9F, 0x98, 0x80}, u"\U0001F600"},
         {{0xF0, 0xB0, 0x80, 0x80}, {FFFD, FFFD, FFFD, FFFD}}, // second byte above 0xAF
         {{0xF4, 0x8F, 0xBF, 0xBF}, u"\U0010FFFF"},
-        {{0xF4, 0x90, 0x80, 0x80}, {FFFD}},       // U+110000: the substitution run
+        {{0xF4, 0x90, 0x80, 0x80}, {FFFD}}, // U+110000: the substitution run
         {{0xF5, 0xFF, 0x80}, {FFFD, FFFD, FFFD}},
         {{0xE2, 0x82, 0x41}, {FFFD, FFFD, u'A'}},
         {{0xED, 0x9F, 0xBF, 0xEE, 0x80, 0x80}, u"\uD7FF\uE000"},
@@ -116,11 +116,12 @@ TEST(BTCUTF8, EveryBoundaryGivesTheOneShotResult) {
         for (long room = 4; room <= 20; ++room) {
             BTCUTF8 decoder;
             decoder.setSubstitutionChars(u"<=>", 3);
-            const Units got = convertPiecewise<Units>(decoder, text, chunk, room, [](const Units& piece) {
-                EXPECT_EQ(std::count(piece.begin(), piece.end(), u'<'),
-                          std::count(piece.begin(), piece.end(), u'>'));
-                EXPECT_TRUE(piece.empty() || piece.back() < 0xD800 || piece.back() > 0xDBFF);
-            });
+            const Units got =
+                convertPiecewise<Units>(decoder, text, chunk, room, [](const Units& piece) {
+                    EXPECT_EQ(std::count(piece.begin(), piece.end(), u'<'),
+                              std::count(piece.begin(), piece.end(), u'>'));
+                    EXPECT_TRUE(piece.empty() || piece.back() < 0xD800 || piece.back() > 0xDBFF);
+                });
             EXPECT_EQ(got, expected) << "chunk " << chunk << " room " << room;
         }
     }
@@ -345,9 +346,8 @@ TEST(UTF32, EveryBoundaryGivesTheOneShotResult) {
     for (long chunk = 1; chunk <= 9; ++chunk)
         for (long room = 4; room <= 12; ++room) {
             CTBUTF32BE piecewise;
-            EXPECT_EQ(convertPiecewise<Bytes>(piecewise, text, chunk, room, [](const Bytes& b) {
-                          EXPECT_EQ(b.size() % 4, 0u);
-                      }),
+            EXPECT_EQ(convertPiecewise<Bytes>(piecewise, text, chunk, room,
+                                              [](const Bytes& b) { EXPECT_EQ(b.size() % 4, 0u); }),
                       bytes);
         }
 }

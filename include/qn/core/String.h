@@ -5,8 +5,8 @@
 // IQNCharBuffer.
 #pragma once
 
-#include "qn/util/ROCharBuffer.h"
 #include "qn/util/IQNByteBuffer.h"
+#include "qn/util/ROCharBuffer.h"
 #include "qn/util/RWCharBuffer.h"
 
 #include <cstdarg>
@@ -99,8 +99,7 @@ public:
     static Reference<String> CQNString(const String& text);
     static Reference<String> CQNString(const char16_t* text, int32_t length = -1,
                                        int32_t capacity = 0);
-    static Reference<String> CQNString(const char* bytes, int32_t length,
-                                       const char16_t* encoding);
+    static Reference<String> CQNString(const char* bytes, int32_t length, const char16_t* encoding);
 
     // The run-time library's "%d", "%u", "%ld", "%lu", "%lld", "%llu" and "%g" texts; "true"
     // and "false" are static literals; a character gives the one-unit string.

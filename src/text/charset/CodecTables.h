@@ -9,7 +9,7 @@ namespace qn::text::charset::tables {
 
 struct CodecRow {
     const char16_t* name;
-    int32_t codePage;      // 0: none
+    int32_t codePage;        // 0: none
     const char16_t* aliasOf; // null: a canonical row
     const char16_t* encoderClass;
     const char16_t* decoderClass;

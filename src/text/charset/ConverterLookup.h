@@ -13,12 +13,13 @@
 
 namespace qn::text::charset::detail {
 
-template <class Converter> constexpr bool isDecoder = std::is_same_v<Converter, ByteToCharConverter>;
+template <class Converter>
+constexpr bool isDecoder = std::is_same_v<Converter, ByteToCharConverter>;
 
 template <class Converter> Reference<Converter> fromManager(const char16_t* name) {
     const CodecManager* manager = CodecManager::getInstance();
-    Reference<Object> made = isDecoder<Converter> ? manager->getDecoder(name)
-                                                  : manager->getEncoder(name);
+    Reference<Object> made =
+        isDecoder<Converter> ? manager->getDecoder(name) : manager->getEncoder(name);
     return Reference<Converter>(dynamic_cast<Converter*>(made.get()));
 }
 
@@ -45,7 +46,8 @@ template <class Converter> Reference<Converter> defaultConverter() {
     return ascii ? ascii : fromManager<Converter>(u"UTF-8");
 }
 
-template <class Unit> long copySubstitution(const Unit* units, int32_t length, Unit* buf, long size) {
+template <class Unit>
+long copySubstitution(const Unit* units, int32_t length, Unit* buf, long size) {
     if (!buf)
         return length;
     const long count = std::max(0L, std::min(size, static_cast<long>(length)));

@@ -14,7 +14,9 @@
 #include <cstdint>
 #include <cstring>
 
-#if defined(__SSE2__) || defined(_M_X64)
+// QNCL_UTF_PORTABLE asks for the word-at-a-time blocks where SSE2 exists too (the fuzzer holds
+// that path to the simple loops on the build machine).
+#if !defined(QNCL_UTF_PORTABLE) && (defined(__SSE2__) || defined(_M_X64))
 #include <emmintrin.h>
 #define QNCL_UTF_SSE2 1
 #endif
@@ -113,7 +115,12 @@ struct Utf8Lengths {
     uint8_t length[256];
     constexpr Utf8Lengths() : length() {
         for (int b = 0; b < 256; ++b)
-            length[b] = b < 0x80 ? 1 : b < 0xC2 ? 0 : b < 0xE0 ? 2 : b < 0xF0 ? 3 : b < 0xF5 ? 4 : 0;
+            length[b] = b < 0x80   ? 1
+                        : b < 0xC2 ? 0
+                        : b < 0xE0 ? 2
+                        : b < 0xF0 ? 3
+                        : b < 0xF5 ? 4
+                                   : 0;
     }
 };
 inline constexpr Utf8Lengths UTF8_LENGTHS{};
@@ -205,7 +212,9 @@ inline void decodeUtf8Common(const uint8_t* in, long& inPos, long inEnd, char16_
     while (inEnd - i >= 4 && outEnd - o >= 2) {
         const uint32_t b0 = in[i];
         if (b0 < 0x80) {
-            if (inEnd - i >= 16 && outEnd - o >= 16 && in[i + 1] < 0x80) {
+            // A block pays only for a run longer than a short word.
+            if (inEnd - i >= 16 && outEnd - o >= 16 &&
+                ((in[i + 1] | in[i + 2] | in[i + 3] | in[i + 4]) & 0x80u) == 0) {
                 widenAscii(in, i, inEnd, out, o, outEnd);
                 continue;
             }
@@ -215,8 +224,19 @@ inline void decodeUtf8Common(const uint8_t* in, long& inPos, long inEnd, char16_
         }
         const uint32_t b1 = in[i + 1];
         if (b0 - 0xC2u < 0x1Eu && isContinuation(b1)) {
-            out[o++] = static_cast<char16_t>((b0 << 6) + b1 - 0x3080u);
-            i += 2;
+            // Two-byte sequences come in runs (Cyrillic, Greek, Hebrew, Arabic): take the next
+            // one in the same step when it is there.
+            const uint32_t b2 = in[i + 2];
+            const uint32_t b3 = in[i + 3];
+            out[o] = static_cast<char16_t>((b0 << 6) + b1 - 0x3080u);
+            if (b2 - 0xC2u < 0x1Eu && isContinuation(b3)) {
+                out[o + 1] = static_cast<char16_t>((b2 << 6) + b3 - 0x3080u);
+                o += 2;
+                i += 4;
+            } else {
+                o += 1;
+                i += 2;
+            }
             continue;
         }
         const uint32_t b2 = in[i + 2];
@@ -226,6 +246,15 @@ inline void decodeUtf8Common(const uint8_t* in, long& inPos, long inEnd, char16_
                 break;
             out[o++] = static_cast<char16_t>(value);
             i += 3;
+            // Three-byte sequences come in runs too (CJK): one more in the same step.
+            if (inEnd - i >= 3 && (in[i] & 0xF0u) == 0xE0u && isContinuation(in[i + 1]) &&
+                isContinuation(in[i + 2])) {
+                const uint32_t next = (((in[i] << 6u) + in[i + 1]) << 6u) + in[i + 2] - 0xE2080u;
+                if (!isSurrogate(next)) {
+                    out[o++] = static_cast<char16_t>(next);
+                    i += 3;
+                }
+            }
             continue;
         }
         const uint32_t b3 = in[i + 3];
@@ -282,8 +311,8 @@ void decodeUtf8(const uint8_t* in, long& i, long inEnd, char16_t* out, long& o, 
             // 0x80-0xAF only: the second byte of a four-byte form.
             if (in[i + 1] - 0x80u < 0x30u && isContinuation(in[i + 2]) &&
                 isContinuation(in[i + 3])) {
-                value = (((((b0 << 6) + in[i + 1]) << 6) + in[i + 2]) << 6) + in[i + 3] -
-                        0x3C82080u;
+                value =
+                    (((((b0 << 6) + in[i + 1]) << 6) + in[i + 2]) << 6) + in[i + 3] - 0x3C82080u;
                 used = 4;
             }
             break;
@@ -297,9 +326,27 @@ void decodeUtf8(const uint8_t* in, long& i, long inEnd, char16_t* out, long& o, 
     }
 }
 
+inline void writeTwo(uint32_t unit, uint8_t* to) {
+#if defined(__BYTE_ORDER__) && __BYTE_ORDER__ == __ORDER_LITTLE_ENDIAN__
+    // One store instead of two.
+    const auto bytes = static_cast<uint16_t>(0x80C0u | (unit >> 6) | ((unit & 0x3Fu) << 8));
+    std::memcpy(to, &bytes, 2);
+#else
+    to[0] = static_cast<uint8_t>(0xC0u | (unit >> 6));
+    to[1] = static_cast<uint8_t>(0x80u | (unit & 0x3Fu));
+#endif
+}
+
+inline void writeThree(uint32_t unit, uint8_t* to) {
+    to[0] = static_cast<uint8_t>(0xE0u | (unit >> 12));
+    to[1] = static_cast<uint8_t>(0x80u | ((unit >> 6) & 0x3Fu));
+    to[2] = static_cast<uint8_t>(0x80u | (unit & 0x3Fu));
+}
+
 // The fast form's inner loop, with no surrogate pending: while any result fits in the output,
-// takes ASCII (a block at a time where it can) and every unit outside the surrogate range, and
-// leaves surrogates to the simple loop. The positions live in locals, as above.
+// takes ASCII (a block at a time where it can), every unit outside the surrogate range and
+// whole pairs that fit, and leaves everything else to the simple loop. The positions live in
+// locals, as above.
 inline void encodeUtf8Common(const char16_t* in, long& inPos, long inEnd, uint8_t* out,
                              long& outPos, long outEnd) {
     long i = inPos;
@@ -307,20 +354,37 @@ inline void encodeUtf8Common(const char16_t* in, long& inPos, long inEnd, uint8_
     while (i < inEnd && outEnd - o >= 3) {
         const uint32_t unit = in[i];
         if (unit < 0x80) {
-            if (inEnd - i >= 16 && outEnd - o >= 16 && in[i + 1] < 0x80) {
+            if (inEnd - i >= 16 && outEnd - o >= 16 &&
+                ((in[i + 1] | in[i + 2] | in[i + 3] | in[i + 4]) & 0xFF80u) == 0) {
                 narrowAscii(in, i, inEnd, out, o, outEnd);
                 continue;
             }
             out[o++] = static_cast<uint8_t>(unit);
         } else if (unit < 0x800) {
-            out[o] = static_cast<uint8_t>(0xC0u | (unit >> 6));
-            out[o + 1] = static_cast<uint8_t>(0x80u | (unit & 0x3Fu));
+            writeTwo(unit, out + o);
             o += 2;
+            // Runs of the same length are common (Cyrillic, Greek): one more in the same step.
+            if (i + 1 < inEnd && in[i + 1] - 0x80u < 0x780u && outEnd - o >= 2) {
+                writeTwo(in[++i], out + o);
+                o += 2;
+            }
         } else if (!isSurrogate(unit)) {
-            out[o] = static_cast<uint8_t>(0xE0u | (unit >> 12));
-            out[o + 1] = static_cast<uint8_t>(0x80u | ((unit >> 6) & 0x3Fu));
-            out[o + 2] = static_cast<uint8_t>(0x80u | (unit & 0x3Fu));
+            writeThree(unit, out + o);
             o += 3;
+            if (i + 1 < inEnd && in[i + 1] >= 0x800u && !isSurrogate(in[i + 1]) &&
+                outEnd - o >= 3) {
+                writeThree(in[++i], out + o);
+                o += 3;
+            }
+        } else if (isHighSurrogate(unit) && i + 1 < inEnd && isLowSurrogate(in[i + 1]) &&
+                   outEnd - o >= 4) {
+            const uint32_t value = (unit << 10) + in[i + 1] - 0x35FDC00u;
+            out[o] = static_cast<uint8_t>(0xF0u | (value >> 18));
+            out[o + 1] = static_cast<uint8_t>(0x80u | ((value >> 12) & 0x3Fu));
+            out[o + 2] = static_cast<uint8_t>(0x80u | ((value >> 6) & 0x3Fu));
+            out[o + 3] = static_cast<uint8_t>(0x80u | (value & 0x3Fu));
+            o += 4;
+            ++i;
         } else {
             break;
         }
