@@ -29,6 +29,22 @@
 #include "qn/sync/Mutex.h"
 #include "qn/sync/ReaderWriterLock.h"
 #include "qn/sync/Semaphore.h"
+#include "qn/text/charset/BTCAMP7.h"
+#include "qn/text/charset/BTCASCII.h"
+#include "qn/text/charset/BTCCP1252.h"
+#include "qn/text/charset/BTCCP437.h"
+#include "qn/text/charset/BTCISO8859_1.h"
+#include "qn/text/charset/BTCUTF16.h"
+#include "qn/text/charset/BTCUTF32.h"
+#include "qn/text/charset/BTCUTF8.h"
+#include "qn/text/charset/CTBAMP7.h"
+#include "qn/text/charset/CTBASCII.h"
+#include "qn/text/charset/CTBCP1252.h"
+#include "qn/text/charset/CTBCP437.h"
+#include "qn/text/charset/CTBISO8859_1.h"
+#include "qn/text/charset/CTBUTF16.h"
+#include "qn/text/charset/CTBUTF32.h"
+#include "qn/text/charset/CTBUTF8.h"
 #include "qn/util/Comparator.h"
 #include "qn/util/FilePath.h"
 #include "qn/util/MTByteBuffer.h"
@@ -67,11 +83,17 @@ void registerBuiltinClasses() {
         row<AbstractByteBuffer>(u"CQNAbstractByteBuffer"),
         row<AbstractCharBuffer>(u"CQNAbstractCharBuffer"),
         rowMade<coll::ArrayList>(u"CQNArrayList"),
+        row<charset::BTCSingleByte>(u"CQNBTCSingleByte"),
+        row<charset::BTCSingleByteTable>(u"CQNBTCSingleByteTable"),
         row<io::BufferedInputStream>(u"CQNBufferedInputStream"),
         row<io::BufferedOutputStream>(u"CQNBufferedOutputStream"),
         row<io::ByteArrayInputStream>(u"CQNByteArrayInputStream"),
         rowMade<io::ByteArrayOutputStream>(u"CQNByteArrayOutputStream"),
+        row<charset::ByteToCharConverter>(u"CQNByteToCharConverter"),
+        row<charset::CharToByteConverter>(u"CQNCharToByteConverter"),
         row<Class>(u"qn::Class"),
+        row<charset::CTBSingleByte>(u"CQNCTBSingleByte"),
+        row<charset::CTBSingleByteTable>(u"CQNCTBSingleByteTable"),
         row<coll::Collection>(u"CQNCollection"),
         row<xcom::ClassFactory>(u"qn::xcom::ClassFactory"),
         row<xcom::DllModule>(u"CQNComDllModule"),
@@ -162,6 +184,26 @@ void registerBuiltinClasses() {
             u"qn::text::charset::UnmappableCharacterException"),
         rowMade<UnsupportedOperationException>(u"qn::UnsupportedOperationException"),
         row<UserAbortException>(u"qn::UserAbortException"),
+        rowMade<charset::CTBASCII>(u"qn::text::charset::CTBASCII"),
+        rowMade<charset::BTCASCII>(u"qn::text::charset::BTCASCII"),
+        rowMade<charset::CTBISO8859_1>(u"qn::text::charset::CTBISO8859_1"),
+        rowMade<charset::BTCISO8859_1>(u"qn::text::charset::BTCISO8859_1"),
+        rowMade<charset::CTBCP437>(u"qn::text::charset::CTBCP437"),
+        rowMade<charset::BTCCP437>(u"qn::text::charset::BTCCP437"),
+        rowMade<charset::CTBCP1252>(u"qn::text::charset::CTBCP1252"),
+        rowMade<charset::BTCCP1252>(u"qn::text::charset::BTCCP1252"),
+        rowMade<charset::BTCUTF8>(u"qn::text::charset::BTCUTF8"),
+        rowMade<charset::CTBUTF8>(u"qn::text::charset::CTBUTF8"),
+        rowMade<charset::CTBUTF16LE>(u"qn::text::charset::CTBUTF16LE"),
+        rowMade<charset::BTCUTF16LE>(u"qn::text::charset::BTCUTF16LE"),
+        rowMade<charset::CTBUTF16BE>(u"qn::text::charset::CTBUTF16BE"),
+        rowMade<charset::BTCUTF16BE>(u"qn::text::charset::BTCUTF16BE"),
+        rowMade<charset::CTBUTF32LE>(u"qn::text::charset::CTBUTF32LE"),
+        rowMade<charset::BTCUTF32LE>(u"qn::text::charset::BTCUTF32LE"),
+        rowMade<charset::CTBUTF32BE>(u"qn::text::charset::CTBUTF32BE"),
+        rowMade<charset::BTCUTF32BE>(u"qn::text::charset::BTCUTF32BE"),
+        rowMade<charset::BTCAMP7>(u"qn::text::charset::BTCAMP7"),
+        rowMade<charset::CTBAMP7>(u"qn::text::charset::CTBAMP7"),
     };
     ClassManagerBase& registry = classRegistry();
     for (const ClassRow& r : rows)

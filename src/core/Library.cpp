@@ -4,6 +4,8 @@
 #include "qn/core/ClassManagerBase.h"
 #include "qn/core/Exception.h"
 #include "qn/sync/Mutex.h"
+#include "qn/text/charset/CodecManager.h"
+#include "text/charset/CharsetInternal.h"
 
 #include <atomic>
 #include <clocale>
@@ -33,6 +35,8 @@ QN_EXTERN_C QNRESULT QN_STDCALL QNCLLibInit(void) {
             qn::g_pGlobalLock = new qn::sync::Mutex("QNCL::g_pGlobalLock");
             qn::g_pGlobalLock->AddRef();
             qn::registerBuiltinClasses();
+            qn::text::charset::registerBuiltinCodecs();
+            qn::text::charset::buildEncInfoTable();
         });
     }
     QNModuleSetInitialized(qn::libraryModuleToken(), 1);
@@ -49,6 +53,8 @@ QN_EXTERN_C QNRESULT QN_STDCALL QNCLLibUninit(void) {
     if (count != 1)
         return QN_S_OK;
     return qn::translateExceptions([] {
+        qn::text::charset::freeEncInfoTable();
+        qn::text::charset::CodecManager::freeInstance();
         qn::freeClassRegistry();
         qn::sync::LockObject* lock = qn::g_pGlobalLock;
         qn::g_pGlobalLock = nullptr;

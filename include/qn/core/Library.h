@@ -4,8 +4,10 @@
 //
 // Load (only the first of nested calls works): the C run time's locale becomes the user's
 // default; the global lock, a Mutex named "QNCL::g_pGlobalLock", is created; every built-in class
-// is registered from one static table, in table order. Unload (only the last): the class registry
-// is freed and the global lock destroyed. Both turn any exception into a result code.
+// is registered from one static table, in table order; every built-in codec is registered with
+// the codec manager and the encoding-information table is built. Unload (only the last): the
+// encoding-information table, the codec manager and the class registry are freed and the global
+// lock destroyed. Both turn any exception into a result code.
 #pragma once
 
 #include "qn/core/Config.h"

@@ -5,6 +5,7 @@
 // IQNCharBuffer.
 #pragma once
 
+#include "qn/util/IQNByteBuffer.h"
 #include "qn/util/ROCharBuffer.h"
 #include "qn/util/RWCharBuffer.h"
 
@@ -86,12 +87,19 @@ public:
            int32_t capacity = 0);
     // Wraps the literal's text without copying it.
     String(const STRUCT_QN_STR_LIT_INFO& literal);
+    // Decodes length bytes of 8-bit text (-1: up to its terminating zero) in the encoding named
+    // (any name, alias or code page getConverter knows; null: the process's default encoding).
+    // Bytes the encoding does not map become its substitution characters (U+FFFD); a sequence
+    // cut off by the end of the text becomes one U+FFFD. UnknownEncodingException for an unknown
+    // name; the converter's InvalidCharacterException for input it refuses.
+    String(const char* bytes, int32_t length, const char16_t* encoding);
     ~String() override;
 
     // A new String on the heap, count 0, for code that holds it by reference count.
     static Reference<String> CQNString(const String& text);
     static Reference<String> CQNString(const char16_t* text, int32_t length = -1,
                                        int32_t capacity = 0);
+    static Reference<String> CQNString(const char* bytes, int32_t length, const char16_t* encoding);
 
     // The run-time library's "%d", "%u", "%ld", "%lu", "%lld", "%llu" and "%g" texts; "true"
     // and "false" are static literals; a character gives the one-unit string.
@@ -131,6 +139,29 @@ public:
     // getData and getReadLock that also store the length when length is not null.
     const char16_t* getDataT(int32_t* length) const;
     const char16_t* getReadLockT(int32_t* length) const;
+
+    // The text in 8-bit bytes of the encoding named (null: the process's default encoding).
+    // Characters the encoding cannot represent become its substitution bytes ("?"); a high
+    // surrogate at the very end throws the encoder's InvalidCharacterException. Unknown names
+    // throw UnknownEncodingException.
+    class AnsiBytes;
+    // Writes as many whole characters as fit in size - 1 bytes and a terminating zero (nothing
+    // when size is not above 0); returns the bytes written, without the zero. With a null
+    // buffer, returns the bytes the whole text needs, without the zero.
+    int32_t getBytes(signed char* buffer, int32_t size, const char16_t* encoding) const;
+    int32_t getBytes(char* buffer, int32_t size, const char16_t* encoding) const {
+        return getBytes(reinterpret_cast<signed char*>(buffer), size, encoding);
+    }
+    // The whole text, zero-terminated, as a new object the caller holds.
+    Reference<AnsiBytes> getBytes(const char16_t* encoding) const;
+    // Replaces the content of a writable byte buffer with the whole text (a terminating zero
+    // follows it in the block, outside the length); returns its length. A failure of the buffer
+    // is thrown as ResultException with its code.
+    int32_t getBytes(util::IQNByteBuffer* buffer, const char16_t* encoding) const;
+    // The whole text, zero-terminated, valid until releaseBytesReadLock, the next
+    // getBytesReadLock or the string's end; converted anew on every call.
+    const char* getBytesReadLock(const char16_t* encoding, int32_t* length = nullptr) const;
+    void releaseBytesReadLock() const;
 
     // The character-buffer role. Reads pass to the buffer. A String is always writable:
     // getWriteLock first makes the buffer this string's own (copy on write), and the write lock
@@ -219,6 +250,8 @@ public:
     String& setTo(char16_t c, int32_t count);
     String& setTo(AcquireMode mode, IQNCharBuffer* buffer);
     String& setTo(const STRUCT_QN_STR_LIT_INFO& literal);
+    // Decodes 8-bit text as the constructor from 8-bit text does.
+    String& setTo(const char* bytes, int32_t length, const char16_t* encoding);
     String& setAddRef(const String& other);
     // Empty: keeps the block of a writable buffer held alone, else takes the shared empty one.
     String& clear();
@@ -357,7 +390,7 @@ private:
     uintptr_t m_buffer;
     // Reserved for the 8-bit text that the encoding conversions hand out under a read lock; it
     // is null until they exist, and released with the string.
-    Reference<Object> m_auxiliary;
+    mutable Reference<Object> m_auxiliary;
     // Write locks taken through this string's own buffer interface and not yet released.
     uint32_t m_state = 0;
 
@@ -369,6 +402,33 @@ public:
     String(AcquireMode mode, const wchar_t* text, int32_t length = -1, int32_t capacity = 0)
         : String(mode, reinterpret_cast<const char16_t*>(text), length, capacity) {}
 #endif
+};
+
+// 8-bit text in a named encoding, zero-terminated, made from wide text: what String::getBytes
+// and String::getBytesReadLock hand out.
+class QNCL_API String::AnsiBytes : public Object {
+public:
+    // Encodes text (length -1: up to its terminating zero; null: empty) in the encoding named
+    // (null: the process's default encoding), as String::getBytes does.
+    AnsiBytes(const char16_t* text, const char16_t* encoding);
+    AnsiBytes(const char16_t* text, int32_t length, const char16_t* encoding);
+    ~AnsiBytes() override;
+    AnsiBytes(const AnsiBytes&) = delete;
+    AnsiBytes& operator=(const AnsiBytes&) = delete;
+
+    const char* getData() const noexcept { return m_bytes; }
+    int32_t getLength() const noexcept { return m_length; }
+    // The canonical name of the encoding it was made in, e.g. "UTF-8".
+    const String& getEncoding() const noexcept { return m_encoding; }
+    // True when encoding names the encoding these bytes were made in: the name they were made
+    // with or the encoding's canonical name, compared without case (null: the default encoding).
+    bool encodingEquals(const char16_t* encoding) const;
+
+private:
+    char* m_bytes = nullptr;
+    int32_t m_length = 0;
+    String m_requested;
+    String m_encoding;
 };
 
 inline bool operator==(const String& a, const String& b) {

@@ -1,0 +1,162 @@
+// The UTF-8 converters. The first byte picks the direction and the substitution settings, the
+// next four seed the splits; the rest is the text (bytes to decode, or UTF-16 units, two bytes
+// each, to encode). Checked: a conversion in random pieces ends exactly as the one-shot
+// conversion (output, positions, exception), pairs are never split between calls, the fast
+// loops (SSE2 in the converters, machine words in the loops run here) agree with the simple ones
+// step for step under the same splits (windows up to 40 units, so that blocks happen), and
+// well-formed text survives a round trip.
+#include "qn/text/charset/BTCUTF8.h"
+#include "qn/text/charset/CTBUTF8.h"
+
+#include "ConverterFuzz.h"
+#include "text/charset/ConverterLookup.h"
+#include "text/charset/UtfKernels.h"
+
+#include <cstring>
+
+using namespace qn::text::charset;
+using namespace fuzzsupport;
+
+namespace {
+
+struct Settings {
+    bool mode;
+    char16_t chars[3] = {u'<', 0xFFFD, u'>'};
+    int32_t length;
+};
+
+template <bool Fast> struct SimpleDecoder {
+    const Settings& settings;
+    long operator()(const uint8_t* in, long* inPos, long inEnd, char16_t* out, long* outPos,
+                    long outEnd) const {
+        return utf::runConvert(inPos, outPos, [&](long& i, long& o) {
+            utf::decodeUtf8<Fast>(
+                in, i, inEnd, out, o, outEnd, [this](char16_t* to, long& at, long end) {
+                    return detail::writeSubstitution(settings.mode, settings.chars, settings.length,
+                                                     to, at, end, true);
+                });
+        });
+    }
+};
+
+void fuzzDecoder(const Settings& settings, uint32_t seed, const uint8_t* text, long size) {
+    const auto* in = reinterpret_cast<const signed char*>(text);
+    const long capacity = 3 * size + 8;
+    auto converterRun = [&](Random* random) {
+        BTCUTF8 decoder;
+        decoder.setSubstitutionMode(settings.mode);
+        decoder.setSubstitutionChars(settings.chars, settings.length);
+        return run<char16_t>(
+            size, capacity, random, 9, 9,
+            [&](long* inPos, long inEnd, char16_t* out, long* outPos, long outEnd) {
+                const long written = decoder.convert(in, inPos, inEnd, out, outPos, outEnd);
+                check(written == 0 || !utf::isHighSurrogate(out[*outPos - 1]));
+                return written;
+            });
+    };
+    auto kernelRun = [&](Random* random, auto decoder) {
+        return run<char16_t>(
+            size, capacity, random, 40, 40,
+            [&](long* inPos, long inEnd, char16_t* out, long* outPos, long outEnd) {
+                return decoder(text, inPos, inEnd, out, outPos, outEnd);
+            });
+    };
+    const Outcome<char16_t> oneShot = converterRun(nullptr);
+    Random a{seed}, b{seed}, c{seed};
+    check(converterRun(&a) == oneShot);
+    check(kernelRun(&b, SimpleDecoder<false>{settings}) ==
+          kernelRun(&c, SimpleDecoder<true>{settings}));
+    check(kernelRun(nullptr, SimpleDecoder<false>{settings}) == oneShot);
+    check(kernelRun(nullptr, SimpleDecoder<true>{settings}) == oneShot);
+}
+
+template <bool Fast> struct SimpleEncoder {
+    char16_t* pending;
+    long operator()(const char16_t* in, long* inPos, long inEnd, uint8_t* out, long* outPos,
+                    long outEnd) const {
+        return utf::runConvert(inPos, outPos, [&](long& i, long& o) {
+            utf::encodeUtf8<Fast>(in, i, inEnd, out, o, outEnd, *pending);
+        });
+    }
+};
+
+void fuzzEncoder(uint32_t seed, const uint8_t* data, long bytes) {
+    std::vector<char16_t> units(static_cast<size_t>(bytes / 2));
+    if (!units.empty())
+        std::memcpy(units.data(), data, units.size() * 2);
+    const long size = static_cast<long>(units.size());
+    const long capacity = 3 * size + 8;
+    auto converterRun = [&](Random* random) {
+        CTBUTF8 encoder;
+        return run<signed char>(
+            size, capacity, random, 9, capacity,
+            [&](long* inPos, long inEnd, signed char* out, long* outPos, long outEnd) {
+                return encoder.convert(units.data(), inPos, inEnd, out, outPos, outEnd);
+            },
+            capacity);
+    };
+    auto kernelRun = [&](Random* random, auto encoder) {
+        char16_t pending = 0;
+        encoder.pending = &pending;
+        Outcome<uint8_t> outcome =
+            run<uint8_t>(size, capacity, random, 40, 40,
+                         [&](long* inPos, long inEnd, uint8_t* out, long* outPos, long outEnd) {
+                             return encoder(units.data(), inPos, inEnd, out, outPos, outEnd);
+                         });
+        outcome.out.push_back(static_cast<uint8_t>(pending));
+        return outcome;
+    };
+    // A completed pair that meets the end of a window loses its high surrogate (on purpose),
+    // so pieces of input are compared with ample output windows.
+    const Outcome<signed char> oneShot = converterRun(nullptr);
+    Random a{seed}, b{seed}, c{seed};
+    check(converterRun(&a) == oneShot);
+    check(kernelRun(&b, SimpleEncoder<false>{}) == kernelRun(&c, SimpleEncoder<true>{}));
+    check(kernelRun(nullptr, SimpleEncoder<false>{}) == kernelRun(nullptr, SimpleEncoder<true>{}));
+
+    // Text without lone surrogates comes back unchanged, but for the code points whose
+    // four-byte form has a second byte above 0xAF (U+30000-U+3FFFF and the like), which the
+    // decoder refuses on purpose.
+    bool wellFormed = true;
+    for (long k = 0; k < size && wellFormed; ++k) {
+        if (utf::isHighSurrogate(units[k])) {
+            wellFormed = k + 1 < size && utf::isLowSurrogate(units[k + 1]);
+            if (wellFormed) {
+                const uint32_t value =
+                    (static_cast<uint32_t>(units[k]) << 10) + units[k + 1] - 0x35FDC00u;
+                wellFormed = ((value >> 12) & 0x3Fu) < 0x30u;
+                ++k;
+            }
+        } else if (utf::isLowSurrogate(units[k])) {
+            wellFormed = false;
+        }
+    }
+    if (!wellFormed)
+        return;
+    check(oneShot.failure == 0 && oneShot.inPos == size);
+    BTCUTF8 decoder;
+    std::vector<char16_t> back(static_cast<size_t>(size) + 1);
+    long inPos = 0, outPos = 0;
+    decoder.convert(oneShot.out.data(), &inPos, oneShot.outPos, back.data(), &outPos, size + 1);
+    check(outPos == size && inPos == oneShot.outPos);
+    check(std::equal(units.begin(), units.end(), back.begin()));
+}
+
+} // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
+    if (size < 5)
+        return 0;
+    Settings settings;
+    settings.mode = (data[0] & 2) != 0;
+    settings.length = (data[0] >> 2) & 3;
+    uint32_t seed;
+    std::memcpy(&seed, data + 1, 4);
+    const uint8_t* text = data + 5;
+    const long length = static_cast<long>(size - 5);
+    if (data[0] & 1)
+        fuzzEncoder(seed, text, length);
+    else
+        fuzzDecoder(settings, seed, text, length);
+    return 0;
+}

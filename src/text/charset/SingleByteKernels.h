@@ -1,0 +1,255 @@
+// The loops of the single-byte converters, written once over a mapping: the bases call them with
+// their virtual hook, the concrete converters with an inline mapping (and, where bytes
+// 0x00-0x7F are ASCII itself, with runs of ASCII copied eight bytes or four units a step). Both
+// give the same results and positions; the fuzzers compare them.
+#pragma once
+
+#include "qn/core/Exception.h"
+#include "qn/text/charset/ByteToCharConverter.h"
+#include "qn/text/charset/CharToByteConverter.h"
+
+#include <algorithm>
+#include <cstdint>
+#include <cstring>
+
+namespace qn::text::charset::kernels {
+
+// What a single-byte decoder does with an unmapped byte, from the converter's settings.
+struct ByteSubstitution {
+    bool mode;
+    char16_t unit;
+    int32_t length;
+};
+
+// The encoder's side.
+struct CharSubstitution {
+    bool mode;
+    signed char byte;
+    int32_t length;
+};
+
+inline ByteSubstitution settingsOf(const ByteToCharConverter& converter) {
+    char16_t unit = 0xFFFD;
+    converter.getSubstitutionChars(&unit, 1);
+    return {converter.getSubstitutionMode(), unit,
+            static_cast<int32_t>(converter.getSubstitutionChars(nullptr, 0))};
+}
+
+inline CharSubstitution settingsOf(const CharToByteConverter& converter) {
+    signed char byte = 0x3F;
+    converter.getSubstitutionBytes(&byte, 1);
+    return {converter.getSubstitutionMode(), byte,
+            static_cast<int32_t>(converter.getSubstitutionBytes(nullptr, 0))};
+}
+
+// The longest stretch mapped one by one before looking for ASCII words again.
+constexpr long RUN = 64;
+
+constexpr uint64_t HIGH_BITS_8 = 0x8080808080808080ULL;
+// A unit above 0x7F, or above 0xFF, in any of four lanes.
+constexpr uint64_t ASCII_16 = 0xFF80FF80FF80FF80ULL;
+constexpr uint64_t LATIN1_16 = 0xFF00FF00FF00FF00ULL;
+
+inline uint64_t load64(const void* p) {
+    uint64_t word;
+    std::memcpy(&word, p, sizeof word);
+    return word;
+}
+
+inline bool isHighSurrogate(char16_t c) {
+    return c >= 0xD800 && c <= 0xDBFF;
+}
+inline bool isLowSurrogate(char16_t c) {
+    return c >= 0xDC00 && c <= 0xDFFF;
+}
+
+// Writes a character below U+110000 outside the surrogate range as one unit, or as a surrogate
+// pair when it needs two slots; false, writing nothing, when they are not there.
+inline bool writeCodePoint(uint32_t v, char16_t* out, long& o, long outEnd) {
+    if (v <= 0xFFFF) {
+        out[o++] = static_cast<char16_t>(v);
+        return true;
+    }
+    if (outEnd - o < 2)
+        return false;
+    out[o++] = static_cast<char16_t>(((v - 0x10000) >> 10) + 0xD800);
+    out[o++] = static_cast<char16_t>((v & 0x3FF) + 0xDC00);
+    return true;
+}
+
+// Before an exception of an encoder that pairs surrogates, whose offending sequence began at
+// input position at: back to that position with nothing pending when the sequence began in this
+// call (at is not before the call's *inPos); when its high surrogate ended an earlier call,
+// the position stays at this call's start with the surrogate still pending. *outPos becomes o.
+inline void rewindPending(long at, char16_t& pending, long* inPos, long* outPos, long o) {
+    if (at >= *inPos) {
+        pending = 0;
+        *inPos = at;
+    }
+    *outPos = o;
+}
+
+// Decodes bytes in[i..] into out[o..] while both remain; Map gives a byte's character, U+FFFD
+// when unmapped. ASCII_RUNS: bytes 0x00-0x7F map to themselves, so a word of eight of them is
+// widened without looking them up.
+template <bool ASCII_RUNS, class Map>
+long decode(const Map& map, const ByteSubstitution& substitution, const signed char* in,
+            long* inPos, long inEnd, char16_t* out, long* outPos, long outEnd) {
+    const auto* bytes = reinterpret_cast<const unsigned char*>(in);
+    long i = *inPos;
+    long o = *outPos;
+    const long start = o;
+    for (;;) {
+        // Mapped bytes are stored straight away, in stretches of at most RUN so that a long
+        // run of ASCII gets back to the word loop; the first unmapped byte falls through to the
+        // per-byte step below.
+        while (i < inEnd && o < outEnd) {
+            if (ASCII_RUNS) {
+                // The run of whole ASCII words, widened in one loop the compiler vectorises.
+                const long limit = std::min(inEnd - i, outEnd - o);
+                long run = 0;
+                while (run + 8 <= limit && (load64(bytes + i + run) & HIGH_BITS_8) == 0)
+                    run += 8;
+                for (long k = 0; k < run; ++k)
+                    out[o + k] = bytes[i + k];
+                i += run;
+                o += run;
+            }
+            const long limit = std::min({inEnd - i, outEnd - o, RUN});
+            long k = 0;
+            // Eight bytes are copied out first: the stores to out cannot then force the bytes
+            // to be read again one by one.
+            for (; k + 8 <= limit; k += 8) {
+                unsigned char chunk[8];
+                std::memcpy(chunk, bytes + i + k, sizeof chunk);
+                int j = 0;
+                for (; j < 8; ++j) {
+                    const char16_t c = map(chunk[j]);
+                    if (c == 0xFFFD)
+                        break;
+                    out[o + k + j] = c;
+                }
+                if (j < 8) {
+                    k += j;
+                    break;
+                }
+            }
+            for (; k < limit; ++k) {
+                const char16_t c = map(bytes[i + k]);
+                if (c == 0xFFFD)
+                    break;
+                out[o + k] = c;
+            }
+            i += k;
+            o += k;
+            if (k < limit)
+                break;
+        }
+        if (i >= inEnd || o >= outEnd)
+            break;
+        const char16_t c = map(bytes[i]);
+        if (c != 0xFFFD) {
+            out[o++] = c;
+        } else if (!substitution.mode) {
+            *inPos = i;
+            *outPos = o;
+            throw UnmappableCharacterException();
+        } else if (substitution.length == 1) {
+            out[o++] = substitution.unit;
+        }
+        ++i;
+    }
+    *inPos = i;
+    *outPos = o;
+    return o - start;
+}
+
+// Encodes units in[i..] into out[o..]; Map gives a unit's byte, 0 when unmapped. RUN_MASK, when
+// not 0, marks the bits that no unit mapping to its own value has in any of four lanes (ASCII_16
+// or LATIN1_16): a word of four such units is narrowed without looking them up.
+template <uint64_t RUN_MASK, class Map>
+long encode(const Map& map, const CharSubstitution& substitution, char16_t& pending,
+            const char16_t* in, long* inPos, long inEnd, signed char* out, long* outPos,
+            long outEnd) {
+    long i = *inPos;
+    long o = *outPos;
+    const long start = o;
+    const auto rewind = [&](long at) { rewindPending(at, pending, inPos, outPos, o); };
+    for (;;) {
+        // As in decode: mapped units are stored straight away, in stretches of at most RUN,
+        // up to the first that maps to nothing (an unmappable character or a surrogate).
+        while (pending == 0 && i < inEnd && o < outEnd) {
+            if (RUN_MASK != 0) {
+                // The run of whole words of units that are their own bytes, narrowed in one
+                // loop the compiler vectorises.
+                const long limit = std::min(inEnd - i, outEnd - o);
+                long run = 0;
+                while (run + 4 <= limit && (load64(in + i + run) & RUN_MASK) == 0)
+                    run += 4;
+                for (long k = 0; k < run; ++k)
+                    out[o + k] = static_cast<signed char>(in[i + k]);
+                i += run;
+                o += run;
+            }
+            const long limit = std::min({inEnd - i, outEnd - o, RUN});
+            long k = 0;
+            for (; k < limit; ++k) {
+                const char16_t c = in[i + k];
+                const signed char b = map(c);
+                if (b == 0 && c != 0)
+                    break;
+                out[o + k] = b;
+            }
+            i += k;
+            o += k;
+            if (k < limit)
+                break;
+        }
+        if (i >= inEnd)
+            break;
+        const char16_t c = in[i];
+        bool unmapped;
+        signed char b = 0;
+        if (pending != 0) {
+            if (!isLowSurrogate(c)) {
+                rewind(i - 1);
+                throw InvalidCharacterException(String(u"leading surrogate without trailing"));
+            }
+            unmapped = true;
+        } else {
+            b = map(c);
+            unmapped = b == 0 && c != 0;
+            if (unmapped && isHighSurrogate(c)) {
+                pending = c;
+                ++i;
+                continue;
+            }
+            if (unmapped && isLowSurrogate(c)) {
+                rewind(i);
+                throw InvalidCharacterException(String(u"trailing surrogate without leading"));
+            }
+        }
+        if (unmapped) {
+            if (!substitution.mode) {
+                rewind(pending != 0 ? i - 1 : i);
+                throw UnmappableCharacterException();
+            }
+            if (substitution.length == 1) {
+                if (o >= outEnd)
+                    break;
+                out[o++] = substitution.byte;
+            }
+            pending = 0;
+        } else {
+            if (o >= outEnd)
+                break;
+            out[o++] = b;
+        }
+        ++i;
+    }
+    *inPos = i;
+    *outPos = o;
+    return o - start;
+}
+
+} // namespace qn::text::charset::kernels

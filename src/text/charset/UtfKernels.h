@@ -1,0 +1,505 @@
+// The conversion loops of the UTF converters, as templates so that the converters, the
+// benchmarks and the fuzzers run the same code. Each loop works on the caller's copies of the
+// positions (i, o) and leaves them at the start of the unit it stopped at, or of the offending
+// unit when it throws; runConvert stores them back in both cases.
+//
+// The UTF-8 loops have a fast form (Fast = true) that moves runs of ASCII a block at a time:
+// sixteen units at a time with SSE2, a machine word at a time elsewhere (the 32-bit target). It
+// must agree with the simple form byte for byte and position for position.
+#pragma once
+
+#include "qn/core/Exception.h"
+
+#include <algorithm>
+#include <cstdint>
+#include <cstring>
+
+// QNCL_UTF_PORTABLE asks for the word-at-a-time blocks where SSE2 exists too (the fuzzer holds
+// that path to the simple loops on the build machine).
+#if !defined(QNCL_UTF_PORTABLE) && (defined(__SSE2__) || defined(_M_X64))
+#include <emmintrin.h>
+#define QNCL_UTF_SSE2 1
+#endif
+
+namespace qn::text::charset::utf {
+
+// Runs body(i, o) over copies of the positions and stores them back, also when body throws.
+// The result is the number of output units written.
+template <class Body> long runConvert(long* inPos, long* outPos, Body&& body) {
+    long i = *inPos;
+    long o = *outPos;
+    try {
+        body(i, o);
+    } catch (...) {
+        *inPos = i;
+        *outPos = o;
+        throw;
+    }
+    const long written = o - *outPos;
+    *inPos = i;
+    *outPos = o;
+    return written;
+}
+
+inline bool isHighSurrogate(uint32_t unit) {
+    return unit - 0xD800u < 0x400u;
+}
+inline bool isLowSurrogate(uint32_t unit) {
+    return unit - 0xDC00u < 0x400u;
+}
+inline bool isSurrogate(uint32_t value) {
+    return value - 0xD800u < 0x800u;
+}
+
+[[noreturn]] inline void throwInvalid(const STRUCT_QN_STR_LIT_INFO& message) {
+    throw InvalidCharacterException(String(message));
+}
+
+// The pairing step of the encoders that combine surrogates. False when unit is a high surrogate
+// that is now pending (consumed, nothing to write); otherwise value is the code point to write.
+// A pending surrogate not followed by a low one is dropped and the unit refused.
+inline bool pairSurrogates(char16_t unit, char16_t& pending, uint32_t& value) {
+    if (pending != 0) {
+        if (!isLowSurrogate(unit)) {
+            pending = 0;
+            throwInvalid(QN_STR_LIT(u"leading surrogate without trailing"));
+        }
+        value = (static_cast<uint32_t>(pending) << 10) + unit - 0x35FDC00u;
+        pending = 0;
+        return true;
+    }
+    if (isHighSurrogate(unit)) {
+        pending = unit;
+        return false;
+    }
+    value = unit;
+    return true;
+}
+
+// Writes one decoded code point at out[o]: nothing when the output is full; above U+FFFF a
+// surrogate pair (two free units needed), or for U+110000 and above the substitution run
+// (substitute(out, o, outEnd) writes it, or says stop, or throws); a value in the surrogate
+// range throws InvalidCharacterException with message. False: stop before this code point.
+template <class Substitute>
+bool writeDecoded(uint32_t value, char16_t* out, long& o, long outEnd, Substitute& substitute,
+                  const STRUCT_QN_STR_LIT_INFO& message) {
+    if (o >= outEnd)
+        return false;
+    if (value <= 0xFFFFu) {
+        if (isSurrogate(value))
+            throwInvalid(message);
+        out[o++] = static_cast<char16_t>(value);
+        return true;
+    }
+    if (value >= 0x110000u)
+        return substitute(out, o, outEnd);
+    if (outEnd - o < 2)
+        return false;
+    out[o] = static_cast<char16_t>(((value - 0x10000u) >> 10) + 0xD800u);
+    out[o + 1] = static_cast<char16_t>((value & 0x3FFu) + 0xDC00u);
+    o += 2;
+    return true;
+}
+
+// flush of the encoders that pair surrogates: a pending high surrogate is dropped and refused.
+inline long flushPending(char16_t& pending) {
+    if (pending != 0) {
+        pending = 0;
+        throwInvalid(QN_STR_LIT(u"leading surrogate without trailing"));
+    }
+    return 0;
+}
+
+// The sequence length of each lead byte; 0 for bytes that never lead.
+struct Utf8Lengths {
+    uint8_t length[256];
+    constexpr Utf8Lengths() : length() {
+        for (int b = 0; b < 256; ++b)
+            length[b] = b < 0x80   ? 1
+                        : b < 0xC2 ? 0
+                        : b < 0xE0 ? 2
+                        : b < 0xF0 ? 3
+                        : b < 0xF5 ? 4
+                                   : 0;
+    }
+};
+inline constexpr Utf8Lengths UTF8_LENGTHS{};
+
+inline bool isContinuation(uint32_t byte) {
+    return byte - 0x80u < 0x40u;
+}
+
+// Widens the ASCII run at in[i] into out[o] while both have room.
+inline void widenAscii(const uint8_t* in, long& i, long inEnd, char16_t* out, long& o,
+                       long outEnd) {
+    const long n = std::min(inEnd - i, outEnd - o);
+    const uint8_t* from = in + i;
+    char16_t* to = out + o;
+    long k = 0;
+#ifdef QNCL_UTF_SSE2
+    const __m128i zero = _mm_setzero_si128();
+    for (; k + 16 <= n; k += 16) {
+        const __m128i bytes = _mm_loadu_si128(reinterpret_cast<const __m128i*>(from + k));
+        if (_mm_movemask_epi8(bytes) != 0)
+            break;
+        _mm_storeu_si128(reinterpret_cast<__m128i*>(to + k), _mm_unpacklo_epi8(bytes, zero));
+        _mm_storeu_si128(reinterpret_cast<__m128i*>(to + k + 8), _mm_unpackhi_epi8(bytes, zero));
+    }
+#else
+    constexpr uintptr_t highBits = static_cast<uintptr_t>(0x8080808080808080ull);
+    for (; k + static_cast<long>(sizeof(uintptr_t)) <= n; k += sizeof(uintptr_t)) {
+        uintptr_t word;
+        std::memcpy(&word, from + k, sizeof word);
+        if ((word & highBits) != 0)
+            break;
+        for (size_t j = 0; j < sizeof word; ++j)
+            to[k + j] = from[k + j];
+    }
+#endif
+    while (k < n && from[k] < 0x80) {
+        to[k] = from[k];
+        ++k;
+    }
+    i += k;
+    o += k;
+}
+
+// Narrows the ASCII run at in[i] into out[o] while both have room.
+inline void narrowAscii(const char16_t* in, long& i, long inEnd, uint8_t* out, long& o,
+                        long outEnd) {
+    const long n = std::min(inEnd - i, outEnd - o);
+    const char16_t* from = in + i;
+    uint8_t* to = out + o;
+    long k = 0;
+#ifdef QNCL_UTF_SSE2
+    const __m128i nonAscii = _mm_set1_epi16(static_cast<short>(0xFF80));
+    const __m128i zero = _mm_setzero_si128();
+    for (; k + 16 <= n; k += 16) {
+        const __m128i low = _mm_loadu_si128(reinterpret_cast<const __m128i*>(from + k));
+        const __m128i high = _mm_loadu_si128(reinterpret_cast<const __m128i*>(from + k + 8));
+        const __m128i outside = _mm_and_si128(_mm_or_si128(low, high), nonAscii);
+        if (_mm_movemask_epi8(_mm_cmpeq_epi16(outside, zero)) != 0xFFFF)
+            break;
+        _mm_storeu_si128(reinterpret_cast<__m128i*>(to + k), _mm_packus_epi16(low, high));
+    }
+#else
+    constexpr uint64_t highBits = 0xFF80FF80FF80FF80ull;
+    for (; k + 4 <= n; k += 4) {
+        uint64_t word;
+        std::memcpy(&word, from + k, sizeof word);
+        if ((word & highBits) != 0)
+            break;
+        for (long j = 0; j < 4; ++j)
+            to[k + j] = static_cast<uint8_t>(from[k + j]);
+    }
+#endif
+    while (k < n && from[k] < 0x80) {
+        to[k] = static_cast<uint8_t>(from[k]);
+        ++k;
+    }
+    i += k;
+    o += k;
+}
+
+// The fast form's inner loop: while any sequence fits in the input and any result in the
+// output, takes ASCII (a block at a time where it can) and well-formed sequences whose value
+// needs neither substitution nor an exception, and leaves everything else to the simple loop.
+// The positions live in locals here: stores through the output must not force them to memory.
+inline void decodeUtf8Common(const uint8_t* in, long& inPos, long inEnd, char16_t* out,
+                             long& outPos, long outEnd) {
+    long i = inPos;
+    long o = outPos;
+    while (inEnd - i >= 4 && outEnd - o >= 2) {
+        const uint32_t b0 = in[i];
+        if (b0 < 0x80) {
+            // A block pays only for a run longer than a short word.
+            if (inEnd - i >= 16 && outEnd - o >= 16 &&
+                ((in[i + 1] | in[i + 2] | in[i + 3] | in[i + 4]) & 0x80u) == 0) {
+                widenAscii(in, i, inEnd, out, o, outEnd);
+                continue;
+            }
+            out[o++] = static_cast<char16_t>(b0);
+            ++i;
+            continue;
+        }
+        const uint32_t b1 = in[i + 1];
+        if (b0 - 0xC2u < 0x1Eu && isContinuation(b1)) {
+            // Two-byte sequences come in runs (Cyrillic, Greek, Hebrew, Arabic): take the next
+            // one in the same step when it is there.
+            const uint32_t b2 = in[i + 2];
+            const uint32_t b3 = in[i + 3];
+            out[o] = static_cast<char16_t>((b0 << 6) + b1 - 0x3080u);
+            if (b2 - 0xC2u < 0x1Eu && isContinuation(b3)) {
+                out[o + 1] = static_cast<char16_t>((b2 << 6) + b3 - 0x3080u);
+                o += 2;
+                i += 4;
+            } else {
+                o += 1;
+                i += 2;
+            }
+            continue;
+        }
+        const uint32_t b2 = in[i + 2];
+        if ((b0 & 0xF0u) == 0xE0u && isContinuation(b1) && isContinuation(b2)) {
+            const uint32_t value = (((b0 << 6) + b1) << 6) + b2 - 0xE2080u;
+            if (isSurrogate(value))
+                break;
+            out[o++] = static_cast<char16_t>(value);
+            i += 3;
+            // Three-byte sequences come in runs too (CJK): one more in the same step.
+            if (inEnd - i >= 3 && (in[i] & 0xF0u) == 0xE0u && isContinuation(in[i + 1]) &&
+                isContinuation(in[i + 2])) {
+                const uint32_t next = (((in[i] << 6u) + in[i + 1]) << 6u) + in[i + 2] - 0xE2080u;
+                if (!isSurrogate(next)) {
+                    out[o++] = static_cast<char16_t>(next);
+                    i += 3;
+                }
+            }
+            continue;
+        }
+        const uint32_t b3 = in[i + 3];
+        if (b0 - 0xF0u < 5u && b1 - 0x80u < 0x30u && isContinuation(b2) && isContinuation(b3)) {
+            const uint32_t value =
+                (((((b0 << 6) + b1) << 6) + b2) << 6) + b3 - 0x3C82080u - 0x10000u;
+            if (value >= 0x100000u)
+                break;
+            out[o] = static_cast<char16_t>((value >> 10) + 0xD800u);
+            out[o + 1] = static_cast<char16_t>((value & 0x3FFu) + 0xDC00u);
+            o += 2;
+            i += 4;
+            continue;
+        }
+        break;
+    }
+    inPos = i;
+    outPos = o;
+}
+
+// UTF-8 to UTF-16 (the rules are listed in BTCUTF8.h).
+template <bool Fast, class Substitute>
+void decodeUtf8(const uint8_t* in, long& i, long inEnd, char16_t* out, long& o, long outEnd,
+                Substitute&& substitute) {
+    while (i < inEnd) {
+        if constexpr (Fast) {
+            decodeUtf8Common(in, i, inEnd, out, o, outEnd);
+            if (i >= inEnd)
+                return;
+        }
+        const uint32_t b0 = in[i];
+        const int length = UTF8_LENGTHS.length[b0];
+        if (length > inEnd - i)
+            return;
+        uint32_t value = 0xFFFD;
+        int used = 1;
+        switch (length) {
+        case 1:
+            value = b0;
+            break;
+        case 2:
+            if (isContinuation(in[i + 1])) {
+                value = (b0 << 6) + in[i + 1] - 0x3080u;
+                used = 2;
+            }
+            break;
+        case 3:
+            if (isContinuation(in[i + 1]) && isContinuation(in[i + 2])) {
+                value = (((b0 << 6) + in[i + 1]) << 6) + in[i + 2] - 0xE2080u;
+                used = 3;
+            }
+            break;
+        case 4:
+            // 0x80-0xAF only: the second byte of a four-byte form.
+            if (in[i + 1] - 0x80u < 0x30u && isContinuation(in[i + 2]) &&
+                isContinuation(in[i + 3])) {
+                value =
+                    (((((b0 << 6) + in[i + 1]) << 6) + in[i + 2]) << 6) + in[i + 3] - 0x3C82080u;
+                used = 4;
+            }
+            break;
+        default:
+            break;
+        }
+        if (!writeDecoded(value, out, o, outEnd, substitute,
+                          QN_STR_LIT(u"Invalid UTF-8 sequence (decoded chars in surrogate range)")))
+            return;
+        i += used;
+    }
+}
+
+inline void writeTwo(uint32_t unit, uint8_t* to) {
+#if defined(__BYTE_ORDER__) && __BYTE_ORDER__ == __ORDER_LITTLE_ENDIAN__
+    // One store instead of two.
+    const auto bytes = static_cast<uint16_t>(0x80C0u | (unit >> 6) | ((unit & 0x3Fu) << 8));
+    std::memcpy(to, &bytes, 2);
+#else
+    to[0] = static_cast<uint8_t>(0xC0u | (unit >> 6));
+    to[1] = static_cast<uint8_t>(0x80u | (unit & 0x3Fu));
+#endif
+}
+
+inline void writeThree(uint32_t unit, uint8_t* to) {
+    to[0] = static_cast<uint8_t>(0xE0u | (unit >> 12));
+    to[1] = static_cast<uint8_t>(0x80u | ((unit >> 6) & 0x3Fu));
+    to[2] = static_cast<uint8_t>(0x80u | (unit & 0x3Fu));
+}
+
+// The fast form's inner loop, with no surrogate pending: while any result fits in the output,
+// takes ASCII (a block at a time where it can), every unit outside the surrogate range and
+// whole pairs that fit, and leaves everything else to the simple loop. The positions live in
+// locals, as above.
+inline void encodeUtf8Common(const char16_t* in, long& inPos, long inEnd, uint8_t* out,
+                             long& outPos, long outEnd) {
+    long i = inPos;
+    long o = outPos;
+    while (i < inEnd && outEnd - o >= 3) {
+        const uint32_t unit = in[i];
+        if (unit < 0x80) {
+            if (inEnd - i >= 16 && outEnd - o >= 16 &&
+                ((in[i + 1] | in[i + 2] | in[i + 3] | in[i + 4]) & 0xFF80u) == 0) {
+                narrowAscii(in, i, inEnd, out, o, outEnd);
+                continue;
+            }
+            out[o++] = static_cast<uint8_t>(unit);
+        } else if (unit < 0x800) {
+            writeTwo(unit, out + o);
+            o += 2;
+            // Runs of the same length are common (Cyrillic, Greek): one more in the same step.
+            if (i + 1 < inEnd && in[i + 1] - 0x80u < 0x780u && outEnd - o >= 2) {
+                writeTwo(in[++i], out + o);
+                o += 2;
+            }
+        } else if (!isSurrogate(unit)) {
+            writeThree(unit, out + o);
+            o += 3;
+            if (i + 1 < inEnd && in[i + 1] >= 0x800u && !isSurrogate(in[i + 1]) &&
+                outEnd - o >= 3) {
+                writeThree(in[++i], out + o);
+                o += 3;
+            }
+        } else if (isHighSurrogate(unit) && i + 1 < inEnd && isLowSurrogate(in[i + 1]) &&
+                   outEnd - o >= 4) {
+            const uint32_t value = (unit << 10) + in[i + 1] - 0x35FDC00u;
+            out[o] = static_cast<uint8_t>(0xF0u | (value >> 18));
+            out[o + 1] = static_cast<uint8_t>(0x80u | ((value >> 12) & 0x3Fu));
+            out[o + 2] = static_cast<uint8_t>(0x80u | ((value >> 6) & 0x3Fu));
+            out[o + 3] = static_cast<uint8_t>(0x80u | (value & 0x3Fu));
+            o += 4;
+            ++i;
+        } else {
+            break;
+        }
+        ++i;
+    }
+    inPos = i;
+    outPos = o;
+}
+
+// UTF-16 to UTF-8 (the rules are listed in CTBUTF8.h); pending is the encoder's pending high
+// surrogate.
+template <bool Fast>
+void encodeUtf8(const char16_t* in, long& i, long inEnd, uint8_t* out, long& o, long outEnd,
+                char16_t& pending) {
+    while (i < inEnd) {
+        if constexpr (Fast) {
+            if (pending == 0) {
+                encodeUtf8Common(in, i, inEnd, out, o, outEnd);
+                if (i >= inEnd)
+                    return;
+            }
+        }
+        uint32_t value;
+        if (!pairSurrogates(in[i], pending, value)) {
+            ++i;
+            continue;
+        }
+        int length = value < 0x80u ? 1 : value < 0x800u ? 2 : value < 0x10000u ? 3 : 4;
+        if (value >= 0x200000u) {
+            value = 0xFFFD;
+            length = 3;
+        }
+        // A completed pair that does not fit leaves its low surrogate for the next call, with
+        // the high one already forgotten.
+        if (outEnd - o < length)
+            return;
+        static constexpr uint8_t LEAD[5] = {0, 0x00, 0xC0, 0xE0, 0xF0};
+        for (int k = length - 1; k > 0; --k) {
+            out[o + k] = static_cast<uint8_t>(0x80u | (value & 0x3Fu));
+            value >>= 6;
+        }
+        out[o] = static_cast<uint8_t>(LEAD[length] | value);
+        o += length;
+        ++i;
+    }
+}
+
+// UTF-32 to UTF-16; order(raw) turns a unit read in host order into its value.
+template <class Order, class Substitute>
+void decodeUtf32(const uint8_t* in, long& i, long inEnd, char16_t* out, long& o, long outEnd,
+                 Order&& order, Substitute&& substitute) {
+    while (inEnd - i >= 4) {
+        uint32_t raw;
+        std::memcpy(&raw, in + i, 4);
+        if (!writeDecoded(order(raw), out, o, outEnd, substitute,
+                          QN_STR_LIT(u"Illegal UTF-32 char in surrogate range")))
+            return;
+        i += 4;
+    }
+}
+
+// UTF-16 to UTF-32; order(value) gives the unit to store in host order.
+template <class Order>
+void encodeUtf32(const char16_t* in, long& i, long inEnd, uint8_t* out, long& o, long outEnd,
+                 char16_t& pending, Order&& order) {
+    while (i < inEnd) {
+        if (outEnd - o < 4)
+            return;
+        uint32_t value;
+        if (pairSurrogates(in[i], pending, value)) {
+            const uint32_t raw = order(value);
+            std::memcpy(out + o, &raw, 4);
+            o += 4;
+        }
+        ++i;
+    }
+}
+
+// Fixed-width UTF-16 copies: min(whole input units, output room) units through order.
+template <class Order>
+void copyUtf16In(const uint8_t* in, long& i, long inEnd, char16_t* out, long& o, long outEnd,
+                 Order&& order) {
+    const long count = std::max(0L, std::min((inEnd - i) / 2, outEnd - o));
+    for (long k = 0; k < count; ++k) {
+        char16_t unit;
+        std::memcpy(&unit, in + i + 2 * k, 2);
+        out[o + k] = order(unit);
+    }
+    i += 2 * count;
+    o += count;
+}
+
+template <class Order>
+void copyUtf16Out(const char16_t* in, long& i, long inEnd, uint8_t* out, long& o, long outEnd,
+                  Order&& order) {
+    const long count = std::max(0L, std::min(inEnd - i, (outEnd - o) / 2));
+    for (long k = 0; k < count; ++k) {
+        const char16_t unit = order(in[i + k]);
+        std::memcpy(out + o + 2 * k, &unit, 2);
+    }
+    i += count;
+    o += 2 * count;
+}
+
+inline char16_t sameOrder16(char16_t unit) {
+    return unit;
+}
+inline char16_t swapOrder16(char16_t unit) {
+    return static_cast<char16_t>((unit >> 8) | (unit << 8));
+}
+inline uint32_t sameOrder32(uint32_t unit) {
+    return unit;
+}
+inline uint32_t swapOrder32(uint32_t unit) {
+    return (unit >> 24) | ((unit >> 8) & 0xFF00u) | ((unit << 8) & 0xFF0000u) | (unit << 24);
+}
+
+} // namespace qn::text::charset::utf

@@ -1,0 +1,275 @@
+// The single-byte converters: substitution settings (including the deliberate dropping when
+// the substitution is not one unit long), surrogate pairing and its positions after exceptions,
+// stops at every output boundary, the word-at-a-time paths against the per-byte hooks, and
+// creation by name and through the class registry.
+#include "ConverterHarness.h"
+
+#include "qn/core/Class.h"
+#include "qn/text/charset/BTCASCII.h"
+#include "qn/text/charset/BTCCP1252.h"
+#include "qn/text/charset/BTCCP437.h"
+#include "qn/text/charset/BTCISO8859_1.h"
+#include "qn/text/charset/CTBASCII.h"
+#include "qn/text/charset/CTBCP1252.h"
+#include "qn/text/charset/CTBCP437.h"
+#include "qn/text/charset/CTBISO8859_1.h"
+
+#include <gtest/gtest.h>
+
+using namespace charset_test;
+
+namespace {
+
+struct Pair {
+    const char16_t* name;
+    Reference<BTCSingleByte> decoder;
+    Reference<CTBSingleByte> encoder;
+};
+
+std::vector<Pair> allPairs() {
+    return {{u"ASCII", new BTCASCII, new CTBASCII},
+            {u"ISO8859_1", new BTCISO8859_1, new CTBISO8859_1},
+            {u"CP437", new BTCCP437, new CTBCP437},
+            {u"CP1252", new BTCCP1252, new CTBCP1252}};
+}
+
+// The per-byte and per-unit hooks of the base classes, for comparison with the fast paths.
+class HookDecoder : public BTCSingleByte {
+public:
+    explicit HookDecoder(BTCSingleByte& real) : m_real(real) {
+        char16_t sub[3];
+        const long n = real.getSubstitutionChars(sub, 3);
+        setSubstitutionChars(sub, n);
+        setSubstitutionMode(real.getSubstitutionMode());
+    }
+    const char16_t* getEncodingName() const override { return m_real.getEncodingName(); }
+    char16_t convertByte(signed char b) const override { return m_real.convertByte(b); }
+
+private:
+    BTCSingleByte& m_real;
+};
+
+class HookEncoder : public CTBSingleByte {
+public:
+    explicit HookEncoder(CTBSingleByte& real) : m_real(real) {
+        signed char sub[7];
+        const long n = real.getSubstitutionBytes(sub, 7);
+        setSubstitutionBytes(sub, n);
+        setSubstitutionMode(real.getSubstitutionMode());
+    }
+    const char16_t* getEncodingName() const override { return m_real.getEncodingName(); }
+    signed char convertChar(char16_t c) const override { return m_real.convertChar(c); }
+
+private:
+    CTBSingleByte& m_real;
+};
+
+bool isHighSurrogate(char16_t c) {
+    return c >= 0xD800 && c <= 0xDBFF;
+}
+
+} // namespace
+
+TEST(SingleByteConverterTest, UnmappedBytesFollowTheSubstitutionSettings) {
+    BTCASCII ascii;
+    const Bytes in = bytes({'a', 0xC3, 'b'});
+    EXPECT_EQ(decodeAll(ascii, in).out, u"a\uFFFDb");
+
+    const char16_t star = u'*';
+    ascii.setSubstitutionChars(&star, 1);
+    EXPECT_EQ(decodeAll(ascii, in).out, u"a*b");
+
+    // Any other length drops the byte: these decoders only substitute one unit.
+    const char16_t two[] = {u'<', u'>'};
+    ascii.setSubstitutionChars(two, 2);
+    EXPECT_EQ(decodeAll(ascii, in).out, u"ab");
+    ascii.setSubstitutionChars(nullptr, 0);
+    EXPECT_EQ(decodeAll(ascii, in).out, u"ab");
+
+    ascii.setSubstitutionMode(false);
+    const Outcome<Units> refused = decodeAll(ascii, in);
+    EXPECT_EQ(refused.out, u"a");
+    EXPECT_EQ(refused.failure, "unmappable");
+    EXPECT_EQ(refused.failedAt, 1);
+
+    BTCCP1252 cp1252;
+    EXPECT_EQ(decodeAll(cp1252, bytes({0x80, 0x81, 0x9F})).out, u"\u20AC\uFFFD\u0178");
+    BTCISO8859_1 latin1;
+    latin1.setSubstitutionMode(false);
+    EXPECT_EQ(decodeAll(latin1, bytes({0x00, 0x80, 0xFF})).out, Units(u"\0\u0080\u00FF", 3));
+}
+
+TEST(SingleByteConverterTest, UnmappableCharactersFollowTheSubstitutionSettings) {
+    CTBISO8859_1 latin1;
+    const Units in = u"a\u0100b\u00FF";
+    EXPECT_EQ(encodeAll(latin1, in).out, bytes({'a', '?', 'b', 0xFF}));
+
+    const signed char two[] = {'<', '>'};
+    latin1.setSubstitutionBytes(two, 2);
+    EXPECT_EQ(encodeAll(latin1, in).out, bytes({'a', 'b', 0xFF}));
+
+    latin1.setSubstitutionMode(false);
+    const Outcome<Bytes> refused = encodeAll(latin1, in);
+    EXPECT_EQ(refused.out, bytes({'a'}));
+    EXPECT_EQ(refused.failure, "unmappable");
+    EXPECT_EQ(refused.failedAt, 1);
+
+    // U+0000 is a character of its own, not the "unmapped" answer of the hook.
+    CTBCP1252 cp1252;
+    EXPECT_EQ(encodeAll(cp1252, Units(u"\u20AC\0\u0178", 3)).out, bytes({0x80, 0x00, 0x9F}));
+    // Undefined bytes decode to U+FFFD, which no byte encodes to.
+    EXPECT_EQ(encodeAll(cp1252, u"\uFFFD\u0081").out, bytes({'?', '?'}));
+}
+
+TEST(SingleByteConverterTest, SurrogatesArePairedAcrossCalls) {
+    CTBASCII ascii;
+    // A pair is one character, never representable: one substitution byte, in one call or two.
+    EXPECT_EQ(encodeAll(ascii, u"a\U0001F600b").out, bytes({'a', '?', 'b'}));
+    EXPECT_EQ(encodeAll(ascii, u"a\U0001F600b", {2}).out, bytes({'a', '?', 'b'}));
+
+    // Output full at the pair: the low surrogate waits with the high one pending.
+    const Units pair = u"\U0001F600";
+    signed char out[4] = {};
+    long inPos = 0, outPos = 0;
+    EXPECT_EQ(ascii.convert(pair.data(), &inPos, 2, out, &outPos, 0), 0);
+    EXPECT_EQ(inPos, 1);
+    EXPECT_EQ(ascii.convert(pair.data(), &inPos, 2, out, &outPos, 1), 1);
+    EXPECT_EQ(inPos, 2);
+    EXPECT_EQ(out[0], '?');
+
+    // A pending surrogate left at the end is reported by flush, and reset drops it.
+    inPos = 0;
+    outPos = 0;
+    ascii.convert(pair.data(), &inPos, 1, out, &outPos, 4);
+    EXPECT_THROW(ascii.flush(out, &outPos, 4), InvalidCharacterException);
+    ascii.reset();
+    EXPECT_EQ(ascii.flush(out, &outPos, 4), 0);
+}
+
+TEST(SingleByteConverterTest, UnpairedSurrogatesLeaveTheirPositions) {
+    const Units input = u"ab\xD83D"
+                        u"c";
+    CTBCP437 cp437;
+    Outcome<Bytes> result = encodeAll(cp437, input);
+    EXPECT_EQ(result.out, bytes({'a', 'b'}));
+    EXPECT_EQ(result.failure, "invalid: leading surrogate without trailing");
+    // The high surrogate came in the same call: the position is back at it, nothing pending.
+    EXPECT_EQ(result.failedAt, 2);
+    signed char out[4];
+    long outPos = 0;
+    EXPECT_EQ(cp437.flush(out, &outPos, 4), 0);
+
+    // It came in an earlier call: the position stays at this call's start, still pending.
+    result = encodeAll(cp437, input, {3});
+    EXPECT_EQ(result.failedAt, 3);
+    EXPECT_THROW(cp437.flush(out, &outPos, 4), InvalidCharacterException);
+    cp437.reset();
+
+    result = encodeAll(cp437, u"ab\xDE00");
+    EXPECT_EQ(result.failure, "invalid: trailing surrogate without leading");
+    EXPECT_EQ(result.failedAt, 2);
+
+    // Substitution off: a pair is refused at its high surrogate.
+    cp437.setSubstitutionMode(false);
+    result = encodeAll(cp437, u"ab\U0001F600");
+    EXPECT_EQ(result.failure, "unmappable");
+    EXPECT_EQ(result.failedAt, 2);
+    EXPECT_EQ(cp437.flush(out, &outPos, 4), 0);
+}
+
+TEST(SingleByteConverterTest, StopsAtEveryOutputBoundary) {
+    std::vector<Pair> pairs = allPairs();
+    const Bytes in = bytes({'H', 0xE9, 'l', 0x81, 0x80, 'o', 0xFF, 'x'});
+    for (Pair& p : pairs) {
+        const Units whole = decodeAll(*p.decoder, in).out;
+        for (long room = 0; room <= static_cast<long>(in.size()); ++room) {
+            std::vector<char16_t> out(in.size() + 2, 0);
+            long inPos = 0, outPos = 0;
+            p.decoder->convert(in.data(), &inPos, static_cast<long>(in.size()), out.data(), &outPos,
+                               room);
+            // One unit per byte with the default substitution, so both stop together.
+            EXPECT_EQ(outPos, room);
+            EXPECT_EQ(inPos, room);
+            EXPECT_EQ(Units(out.data(), static_cast<size_t>(room)), whole.substr(0, room));
+        }
+        const Units text = u"Hi\u00E9\u20AC\u2591!";
+        const Bytes encoded = encodeAll(*p.encoder, text).out;
+        for (long room = 0; room <= static_cast<long>(text.size()); ++room) {
+            std::vector<signed char> out(text.size() + 2, 0);
+            long inPos = 0, outPos = 0;
+            p.encoder->convert(text.data(), &inPos, static_cast<long>(text.size()), out.data(),
+                               &outPos, room);
+            EXPECT_EQ(outPos, room);
+            EXPECT_EQ(inPos, room);
+            EXPECT_TRUE(std::equal(out.begin(), out.begin() + room, encoded.begin()));
+        }
+    }
+}
+
+TEST(SingleByteConverterTest, FastPathsMatchTheHooksInRandomPieces) {
+    std::mt19937 random(7);
+    std::vector<Pair> pairs = allPairs();
+    const char16_t subChars[][2] = {{u'*', 0}, {u'<', u'>'}};
+    const signed char subBytes[][2] = {{'#', 0}, {'<', '>'}};
+    for (int round = 0; round < 300; ++round) {
+        Pair& p = pairs[static_cast<size_t>(round) % pairs.size()];
+        const int setting = round % 4;
+        p.decoder->setSubstitutionMode(setting != 3);
+        p.decoder->setSubstitutionChars(subChars[setting & 1], (setting & 1) + 1);
+        p.encoder->setSubstitutionMode(setting != 3);
+        p.encoder->setSubstitutionBytes(subBytes[setting & 1], (setting & 1) + 1);
+        p.encoder->reset();
+
+        // Mostly ASCII runs, so the word paths are taken, with other bytes sprinkled in.
+        Bytes in(std::uniform_int_distribution<size_t>(0, 80)(random));
+        for (signed char& b : in)
+            b = static_cast<signed char>(random() % 4 ? random() % 0x80 : random() % 0x100);
+        HookDecoder hookDecoder(*p.decoder);
+        const Outcome<Units> expected = decodeAll(hookDecoder, in);
+        const long room = std::uniform_int_distribution<long>(1, 20)(random);
+        EXPECT_EQ(
+            decodeAll(*p.decoder, in, randomSplits(random, static_cast<long>(in.size())), room),
+            expected)
+            << "decoder round " << round;
+
+        Units text(std::uniform_int_distribution<size_t>(0, 80)(random), u' ');
+        const char16_t odd[] = {0x00E9, 0x20AC, 0x2591, 0xD83D, 0xDE00, 0x0100, 0x0000, 0xFFFD};
+        for (char16_t& c : text)
+            c = random() % 4 ? static_cast<char16_t>(random() % 0x80) : odd[random() % 8];
+        HookEncoder hookEncoder(*p.encoder);
+        const Outcome<Bytes> wanted = encodeAll(hookEncoder, text);
+        p.encoder->reset();
+        Outcome<Bytes> got =
+            encodeAll(*p.encoder, text, randomSplits(random, static_cast<long>(text.size())), room);
+        // A high surrogate that ended an earlier call cannot be returned to: the position
+        // stays just after it.
+        if (got.failedAt == wanted.failedAt + 1 && wanted.failedAt >= 0 &&
+            isHighSurrogate(text[static_cast<size_t>(wanted.failedAt)]))
+            got.failedAt = wanted.failedAt;
+        EXPECT_EQ(got, wanted) << "encoder round " << round;
+    }
+}
+
+TEST(SingleByteConverterTest, MadeByNameAndByClass) {
+    const char16_t* const names[][2] = {{u"ascii", u"ASCII"},         {u"us-ascii", u"ASCII"},
+                                        {u"819", u"ISO8859_1"},       {u"latin1", u"ISO8859_1"},
+                                        {u"ibm437", u"CP437"},        {u"437", u"CP437"},
+                                        {u"windows-1252", u"CP1252"}, {u"1252", u"CP1252"}};
+    for (const auto& n : names) {
+        EXPECT_EQ(String(ByteToCharConverter::getConverter(n[0])->getEncodingName()), n[1]);
+        EXPECT_EQ(String(CharToByteConverter::getConverter(n[0])->getEncodingName()), n[1]);
+    }
+    for (const char16_t* name :
+         {u"qn::text::charset::BTCCP437", u"qn::text::charset::CTBCP1252",
+          u"qn::text::charset::BTCASCII", u"qn::text::charset::CTBISO8859_1"}) {
+        Reference<Object> made(Class::forName(name)->createInstance());
+        EXPECT_TRUE(Class::forName(name)->isInstance(*made));
+    }
+    // The bases are registered but cannot be made.
+    for (const char16_t* name : {u"CQNBTCSingleByte", u"CQNBTCSingleByteTable", u"CQNCTBSingleByte",
+                                 u"CQNCTBSingleByteTable"})
+        EXPECT_THROW(Class::forName(name)->createInstance(), IllegalAccessException);
+    BTCCP437 decoder;
+    EXPECT_EQ(decoder.getMaxBytesPerChar(), 1);
+    EXPECT_EQ(decoder.getMaxCharsPerByte(), 1);
+}
