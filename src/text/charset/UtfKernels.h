@@ -218,8 +218,10 @@ inline void decodeUtf8Common(const uint8_t* in, long& inPos, long inEnd, char16_
                 widenAscii(in, i, inEnd, out, o, outEnd);
                 continue;
             }
-            out[o++] = static_cast<char16_t>(b0);
-            ++i;
+            // A short run, one byte at a time to its end (at most four more).
+            do {
+                out[o++] = static_cast<char16_t>(in[i++]);
+            } while (i < inEnd && o < outEnd && in[i] < 0x80);
             continue;
         }
         const uint32_t b1 = in[i + 1];
@@ -359,7 +361,11 @@ inline void encodeUtf8Common(const char16_t* in, long& inPos, long inEnd, uint8_
                 narrowAscii(in, i, inEnd, out, o, outEnd);
                 continue;
             }
-            out[o++] = static_cast<uint8_t>(unit);
+            // A short run, one unit at a time to its end (at most four more).
+            do {
+                out[o++] = static_cast<uint8_t>(in[i++]);
+            } while (i < inEnd && o < outEnd && in[i] < 0x80);
+            continue;
         } else if (unit < 0x800) {
             writeTwo(unit, out + o);
             o += 2;
