@@ -57,8 +57,13 @@ Outcome<OutUnit> run(long inSize, long capacity, Random* random, long maxChunk, 
     auto call = [&](long room) {
         const long outEnd = std::min(capacity, outcome.outPos + room);
         const long inBefore = outcome.inPos, outBefore = outcome.outPos;
+        // Nothing may be written at or past outEnd: a guard zone there must stay as it is.
+        const long guardEnd = std::min(capacity, outEnd + 8);
+        std::fill(outcome.out.begin() + outEnd, outcome.out.begin() + guardEnd, OutUnit(0x5A));
         const long written =
             step(&outcome.inPos, available, outcome.out.data(), &outcome.outPos, outEnd);
+        for (long k = outEnd; k < guardEnd; ++k)
+            check(outcome.out[static_cast<size_t>(k)] == OutUnit(0x5A));
         check(written == outcome.outPos - outBefore);
         check(outcome.inPos >= inBefore && outcome.inPos <= available);
         check(outcome.outPos >= outBefore && outcome.outPos <= outEnd);

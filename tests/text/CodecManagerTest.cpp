@@ -85,6 +85,9 @@ TEST(CodecManager, FirstRegistrationWinsAndMissingClassesGiveNothing) {
     EXPECT_TRUE(dynamic_cast<BTCUTF8*>(manager->getDecoder(u"X-Half").get()));
     EXPECT_EQ(manager->getEncoder(u"x-half"), nullptr);
     EXPECT_THROW(CharToByteConverter::getConverter(u"x-half"), UnknownEncodingException);
+    manager->registerCodec(u"x-none", nullptr, nullptr);
+    EXPECT_EQ(manager->getDecoder(u"x-none"), nullptr);
+    EXPECT_THROW(manager->registerCodec(nullptr, nullptr, nullptr), RangeErrorException);
 
     // Unloading frees the manager and the information table; loading builds both again from
     // the tables alone.

@@ -24,6 +24,8 @@ std::atomic<CodecManager::DecoderWrapper> s_decoderWrapper{nullptr};
 std::atomic<CodecManager::EncoderWrapper> s_encoderWrapper{nullptr};
 
 const Class* classOrNull(const char16_t* name) {
+    if (!name)
+        return nullptr;
     try {
         return Class::forName(name);
     } catch (const ClassNotFoundException&) {

@@ -201,23 +201,17 @@ inline void narrowAscii(const char16_t* in, long& i, long inEnd, uint8_t* out, l
     o += k;
 }
 
-// The fast form's inner loop: while any sequence fits in the input and any result in the
-// output, takes ASCII (a block at a time where it can) and well-formed sequences whose value
-// needs neither substitution nor an exception, and leaves everything else to the simple loop.
-// The positions live in locals here: stores through the output must not force them to memory.
-inline void decodeUtf8Common(const uint8_t* in, long& inPos, long inEnd, char16_t* out,
-                             long& outPos, long outEnd) {
-    long i = inPos;
-    long o = outPos;
-    while (inEnd - i >= 4 && outEnd - o >= 2) {
+// One stretch of the fast decoding loop, below limit (see decodeUtf8Common). True when the
+// stretch is used up (i == limit) or stops before a long ASCII run; false before a sequence that
+// the simple loop must take.
+inline bool decodeUtf8Stretch(const uint8_t* in, long& i, long limit, long inEnd, char16_t* out,
+                              long& o) {
+    while (i < limit) {
         const uint32_t b0 = in[i];
         if (b0 < 0x80) {
             // A block pays only for a run longer than a short word.
-            if (inEnd - i >= 16 && outEnd - o >= 16 &&
-                ((in[i + 1] | in[i + 2] | in[i + 3] | in[i + 4]) & 0x80u) == 0) {
-                widenAscii(in, i, inEnd, out, o, outEnd);
-                continue;
-            }
+            if (limit - i >= 16 && ((in[i + 1] | in[i + 2] | in[i + 3] | in[i + 4]) & 0x80u) == 0)
+                return true;
             out[o++] = static_cast<char16_t>(b0);
             ++i;
             continue;
@@ -243,7 +237,7 @@ inline void decodeUtf8Common(const uint8_t* in, long& inPos, long inEnd, char16_
         if ((b0 & 0xF0u) == 0xE0u && isContinuation(b1) && isContinuation(b2)) {
             const uint32_t value = (((b0 << 6) + b1) << 6) + b2 - 0xE2080u;
             if (isSurrogate(value))
-                break;
+                return false;
             out[o++] = static_cast<char16_t>(value);
             i += 3;
             // Three-byte sequences come in runs too (CJK): one more in the same step.
@@ -262,14 +256,36 @@ inline void decodeUtf8Common(const uint8_t* in, long& inPos, long inEnd, char16_
             const uint32_t value =
                 (((((b0 << 6) + b1) << 6) + b2) << 6) + b3 - 0x3C82080u - 0x10000u;
             if (value >= 0x100000u)
-                break;
+                return false;
             out[o] = static_cast<char16_t>((value >> 10) + 0xD800u);
             out[o + 1] = static_cast<char16_t>((value & 0x3FFu) + 0xDC00u);
             o += 2;
             i += 4;
             continue;
         }
-        break;
+        return false;
+    }
+    return true;
+}
+
+// The fast form's inner loop: stretch by stretch, takes ASCII (a block at a time where it can)
+// and well-formed sequences whose value needs neither substitution nor an exception, and leaves
+// everything else to the simple loop. The positions live in locals here: stores through the
+// output must not force them to memory.
+inline void decodeUtf8Common(const uint8_t* in, long& inPos, long inEnd, char16_t* out,
+                             long& outPos, long outEnd) {
+    long i = inPos;
+    long o = outPos;
+    for (;;) {
+        // A sequence writes no more units than it has bytes, so below limit every sequence is
+        // readable in full and its result fits, with no other bound check.
+        const long limit = i + std::min(inEnd - i - 3, outEnd - o - 1);
+        if (limit <= i)
+            break;
+        if (!decodeUtf8Stretch(in, i, limit, inEnd, out, o))
+            break;
+        if (i < limit)
+            widenAscii(in, i, inEnd, out, o, outEnd);
     }
     inPos = i;
     outPos = o;
@@ -343,52 +359,52 @@ inline void writeThree(uint32_t unit, uint8_t* to) {
     to[2] = static_cast<uint8_t>(0x80u | (unit & 0x3Fu));
 }
 
-// The fast form's inner loop, with no surrogate pending: while any result fits in the output,
-// takes ASCII (a block at a time where it can), every unit outside the surrogate range and
-// whole pairs that fit, and leaves everything else to the simple loop. The positions live in
-// locals, as above.
+// The fast form's inner loop, with no surrogate pending: takes ASCII (a block at a time where it
+// can), every unit outside the surrogate range and whole pairs, as long as the output has room
+// for anything, and leaves everything else to the simple loop. A unit writes at most three
+// bytes (a pair four for two units), so a stretch of min(units left, free bytes / 3) units runs
+// with no other bound check. The positions live in locals, as above.
 inline void encodeUtf8Common(const char16_t* in, long& inPos, long inEnd, uint8_t* out,
                              long& outPos, long outEnd) {
     long i = inPos;
     long o = outPos;
-    while (i < inEnd && outEnd - o >= 3) {
-        const uint32_t unit = in[i];
-        if (unit < 0x80) {
-            if (inEnd - i >= 16 && outEnd - o >= 16 &&
-                ((in[i + 1] | in[i + 2] | in[i + 3] | in[i + 4]) & 0xFF80u) == 0) {
-                narrowAscii(in, i, inEnd, out, o, outEnd);
-                continue;
-            }
-            out[o++] = static_cast<uint8_t>(unit);
-        } else if (unit < 0x800) {
-            writeTwo(unit, out + o);
-            o += 2;
-            // Runs of the same length are common (Cyrillic, Greek): one more in the same step.
-            if (i + 1 < inEnd && in[i + 1] - 0x80u < 0x780u && outEnd - o >= 2) {
-                writeTwo(in[++i], out + o);
-                o += 2;
-            }
-        } else if (!isSurrogate(unit)) {
-            writeThree(unit, out + o);
-            o += 3;
-            if (i + 1 < inEnd && in[i + 1] >= 0x800u && !isSurrogate(in[i + 1]) &&
-                outEnd - o >= 3) {
-                writeThree(in[++i], out + o);
-                o += 3;
-            }
-        } else if (isHighSurrogate(unit) && i + 1 < inEnd && isLowSurrogate(in[i + 1]) &&
-                   outEnd - o >= 4) {
-            const uint32_t value = (unit << 10) + in[i + 1] - 0x35FDC00u;
-            out[o] = static_cast<uint8_t>(0xF0u | (value >> 18));
-            out[o + 1] = static_cast<uint8_t>(0x80u | ((value >> 12) & 0x3Fu));
-            out[o + 2] = static_cast<uint8_t>(0x80u | ((value >> 6) & 0x3Fu));
-            out[o + 3] = static_cast<uint8_t>(0x80u | (value & 0x3Fu));
-            o += 4;
-            ++i;
-        } else {
+    for (;;) {
+        const long end = i + std::min(inEnd - i, (outEnd - o) / 3);
+        if (end == i)
             break;
+        while (i < end) {
+            const uint32_t unit = in[i];
+            if (unit < 0x80) {
+                if (end - i >= 16 &&
+                    ((in[i + 1] | in[i + 2] | in[i + 3] | in[i + 4]) & 0xFF80u) == 0)
+                    break;
+                out[o++] = static_cast<uint8_t>(unit);
+                ++i;
+            } else if (unit < 0x800) {
+                writeTwo(unit, out + o);
+                o += 2;
+                ++i;
+            } else if (!isSurrogate(unit)) {
+                writeThree(unit, out + o);
+                o += 3;
+                ++i;
+            } else if (isHighSurrogate(unit) && i + 1 < end && isLowSurrogate(in[i + 1])) {
+                const uint32_t value = (unit << 10) + in[i + 1] - 0x35FDC00u;
+                out[o] = static_cast<uint8_t>(0xF0u | (value >> 18));
+                out[o + 1] = static_cast<uint8_t>(0x80u | ((value >> 12) & 0x3Fu));
+                out[o + 2] = static_cast<uint8_t>(0x80u | ((value >> 6) & 0x3Fu));
+                out[o + 3] = static_cast<uint8_t>(0x80u | (value & 0x3Fu));
+                o += 4;
+                i += 2;
+            } else {
+                inPos = i;
+                outPos = o;
+                return;
+            }
         }
-        ++i;
+        // A stretch ends used up, or before a long ASCII run that goes a block at a time.
+        if (i < end)
+            narrowAscii(in, i, inEnd, out, o, outEnd);
     }
     inPos = i;
     outPos = o;

@@ -52,7 +52,8 @@ public:
 
     // Registers name (any case; the key is its upper-case form) with the classes registered
     // under the two class names. The first registration of a name wins; later ones do nothing.
-    // A class name missing from the class registry leaves that direction unavailable.
+    // A class name that is null or missing from the class registry leaves that direction
+    // unavailable. RangeErrorException for a null name.
     void registerCodec(const char16_t* name, const char16_t* encoderClassName,
                        const char16_t* decoderClassName);
 
