@@ -4,7 +4,9 @@
 #include "qn/core/Library.h"
 #include "qn/core/Singleton.h"
 #include "qn/sync/LockObject.h"
+#include "qn/text/charset/BTCCom.h"
 #include "qn/text/charset/ByteToCharConverter.h"
+#include "qn/text/charset/CTBCom.h"
 #include "qn/text/charset/CharToByteConverter.h"
 #include "qn/text/charset/QnEncInfo.h"
 
@@ -20,8 +22,10 @@ namespace {
 
 using Instance = Singleton<CodecManager, g_pGlobalLock>;
 
-std::atomic<CodecManager::DecoderWrapper> s_decoderWrapper{nullptr};
-std::atomic<CodecManager::EncoderWrapper> s_encoderWrapper{nullptr};
+// The makers of plug-in converters: the library's own converters over IQNCharCodec unless a
+// caller installed others.
+std::atomic<CodecManager::DecoderWrapper> s_decoderWrapper{&BTCCom::wrap};
+std::atomic<CodecManager::EncoderWrapper> s_encoderWrapper{&CTBCom::wrap};
 
 const Class* classOrNull(const char16_t* name) {
     if (!name)
@@ -79,8 +83,8 @@ void CodecManager::freeInstance() {
 }
 
 void CodecManager::setPlugInWrappers(DecoderWrapper decoder, EncoderWrapper encoder) noexcept {
-    s_decoderWrapper.store(decoder);
-    s_encoderWrapper.store(encoder);
+    s_decoderWrapper.store(decoder ? decoder : &BTCCom::wrap);
+    s_encoderWrapper.store(encoder ? encoder : &CTBCom::wrap);
 }
 
 void CodecManager::registerCodec(const char16_t* name, const char16_t* encoderClassName,
@@ -108,14 +112,10 @@ Reference<Object> CodecManager::create(const char16_t* name, bool decoder) const
         const Class* type = decoder ? classes->getDecoderClass() : classes->getEncoderClass();
         return type ? type->createInstance() : nullptr;
     }
-    const DecoderWrapper decoderWrapper = s_decoderWrapper.load();
-    const EncoderWrapper encoderWrapper = s_encoderWrapper.load();
-    if (decoder ? decoderWrapper != nullptr : encoderWrapper != nullptr) {
-        if (Reference<IQNUnknown> codec = createPlugIn(name)) {
-            if (decoder)
-                return Reference<Object>(decoderWrapper(codec.get()));
-            return Reference<Object>(encoderWrapper(codec.get()));
-        }
+    if (Reference<IQNUnknown> codec = createPlugIn(name)) {
+        if (decoder)
+            return Reference<Object>(s_decoderWrapper.load()(codec.get()));
+        return Reference<Object>(s_encoderWrapper.load()(codec.get()));
     }
     // Record names are canonical and upper case, so this resolves in one step.
     const QnEncInfo* record = findEncInfo(key);

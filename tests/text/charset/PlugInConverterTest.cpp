@@ -51,7 +51,6 @@ protected:
                   ("qncl-codec-" + std::to_string(getpid()) + ".reg");
         setenv("QNCL_COMPONENT_REGISTRY", m_store.c_str(), 1);
 #endif
-        CodecManager::setPlugInWrappers(&BTCCom::wrap, &CTBCom::wrap);
         QNComUnregisterClass(&kCodecClsid);
         const std::u16string library = (programDir() / QNCL_TEST_CODEC_PLUGIN).u16string();
         ASSERT_EQ(QNComRegisterClass(&kCodecClsid,
@@ -60,7 +59,6 @@ protected:
                   QN_S_OK);
     }
     void TearDown() override {
-        CodecManager::setPlugInWrappers(nullptr, nullptr);
         QNComUnregisterClass(&kCodecClsid);
 #ifndef _WIN32
         unsetenv("QNCL_COMPONENT_REGISTRY");

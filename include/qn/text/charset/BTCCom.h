@@ -15,8 +15,8 @@ public:
     // Releases the codec.
     ~BTCCom() override;
 
-    // The codec manager's maker for the object its plug-in step created (with IID_IQNCharCodec):
-    // CodecManager::setPlugInWrappers(&BTCCom::wrap, &CTBCom::wrap).
+    // The codec manager's default maker for the object its plug-in step created (with
+    // IID_IQNCharCodec).
     static Reference<ByteToCharConverter> wrap(IQNUnknown* codec);
 
     // The codec's DecodeBytes, with U+FFFD preset. A failure code from it, or a used length

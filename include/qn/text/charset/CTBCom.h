@@ -16,8 +16,8 @@ public:
     // Releases the codec.
     ~CTBCom() override;
 
-    // The codec manager's maker for the object its plug-in step created (with IID_IQNCharCodec):
-    // CodecManager::setPlugInWrappers(&BTCCom::wrap, &CTBCom::wrap).
+    // The codec manager's default maker for the object its plug-in step created (with
+    // IID_IQNCharCodec).
     static Reference<CharToByteConverter> wrap(IQNUnknown* codec);
 
     // Asks the codec to encode into a byte buffer and copies the bytes out when their count is

@@ -63,8 +63,9 @@ public:
     Reference<Object> getDecoder(const char16_t* name) const;
     Reference<Object> getEncoder(const char16_t* name) const;
 
-    // Installs the makers of plug-in converters; until then (or with null) the plug-in step
-    // finds nothing.
+    // Installs the makers that turn the object a codec plug-in created into converters. The
+    // library's own (BTCCom::wrap, CTBCom::wrap, over IQNCharCodec) are in place from the
+    // start; null puts them back.
     static void setPlugInWrappers(DecoderWrapper decoder, EncoderWrapper encoder) noexcept;
 
     CodecManager(const CodecManager&) = delete;
