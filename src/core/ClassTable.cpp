@@ -8,7 +8,7 @@
 #include "qn/core/Library.h"
 #include "qn/core/Number.h"
 #include "qn/core/String.h"
-#include "qn/math/BigInteger.h"
+#include "qn/math/BigDecimal.h"
 #include "qn/sync/Mutex.h"
 #include "qn/sync/ReaderWriterLock.h"
 #include "qn/util/MTByteBuffer.h"
@@ -45,6 +45,7 @@ void registerBuiltinClasses() {
     static const ClassRow rows[] = {
         row<AbstractByteBuffer>(u"CQNAbstractByteBuffer"),
         row<AbstractCharBuffer>(u"CQNAbstractCharBuffer"),
+        rowMade<math::BigDecimal>(u"CQNBigDecimal"),
         rowMade<math::BigInteger>(u"CQNBigInteger"),
         row<Class>(u"qn::Class"),
         row<ComObject>(u"CQNComObject"),
