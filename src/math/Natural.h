@@ -164,6 +164,8 @@ Limb shiftRight(Limb* r, const Limb* a, size_t n, int s);
 // r = a * b, r of an + bn limbs, not overlapping a or b; an, bn >= 1. a == b with an == bn
 // squares.
 void mul(Limb* r, const Limb* a, size_t an, const Limb* b, size_t bn);
+// r = a * b by number-theoretic transforms, for large operands; same rules as mul.
+void mulNtt(Limb* r, const Limb* a, size_t an, const Limb* b, size_t bn);
 // Vector forms over normalized operands; zero is the empty vector.
 std::vector<Limb> mul(const std::vector<Limb>& a, const std::vector<Limb>& b);
 
@@ -177,6 +179,7 @@ void divRem(Limb* q, Limb* r, const Limb* a, size_t an, const Limb* b, size_t bn
 struct Thresholds {
     size_t karatsuba;
     size_t toom3;
+    size_t ntt;
     size_t divideAndConquer;
     size_t radix;
 };

@@ -6,7 +6,7 @@
 namespace qn::math::nat {
 
 // Measured with bench/math_bench on x86-64 (see bench/math_bench.cpp, the Threshold cases).
-Thresholds thresholds = {32, 160, 60, 24};
+Thresholds thresholds = {32, 160, 3500, 60, 24};
 
 Limb divWidePortable(Limb high, Limb low, Limb d, Limb& rem) {
     // Normalize, then two steps of one 32-bit quotient digit each, as in long division.
@@ -398,6 +398,8 @@ void mulDispatch(Limb* r, const Limb* a, size_t an, const Limb* b, size_t bn) {
             mulBasecase(r, a, an, b, bn);
     } else if (2 * bn <= an + 1) {
         mulChunked(r, a, an, b, bn);
+    } else if (bn >= thresholds.ntt) {
+        mulNtt(r, a, an, b, bn);
     } else if (bn < thresholds.toom3 || bn <= 2 * ((an + 2) / 3)) {
         mulKaratsuba(r, a, an, b, bn);
     } else {

@@ -201,6 +201,15 @@ TEST(BigInteger, MultiplicationAlgorithmsAgree) {
             ASSERT_EQ(a.add(b).pow(2), a.pow(2).add(a.multiply(b).shiftLeft(1)).add(b.pow(2)));
         }
     }
+    // Products by transforms against the same products built from Toom-3 sized pieces.
+    for (int n : {3400, 3600, 5000}) {
+        const BigInteger a = numbers.next(n), b = numbers.next(n - 3);
+        const BigInteger low = b.and_(BigInteger(1).shiftLeft(64 * 900).subtract(BigInteger(1)));
+        const BigInteger high = b.subtract(low);
+        ASSERT_EQ(a.multiply(b), a.multiply(low).add(a.multiply(high.shiftRight(64 * 900))
+                                                         .shiftLeft(64 * 900)));
+        ASSERT_EQ(a.multiply(a), a.multiply(BigInteger(a.toString(16), 16)));
+    }
     // (10^k - 1)^2 = 10^2k - 2 10^k + 1 in decimal digits: 9...980...01.
     const BigInteger nines = BigInteger(10).pow(5000).subtract(BigInteger(1));
     const std::string square = narrow(nines.multiply(nines).toString());
