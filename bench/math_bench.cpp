@@ -49,30 +49,28 @@ std::string narrow(const String& s) {
 
 // Multiply: two numbers of n digits.
 
-void Multiply_ours(benchmark::State& state) {
-    const auto n = static_cast<size_t>(state.range(0));
-    const BigInteger a = ours(digits(n, 1)), b = ours(digits(n, 2));
+void Multiply_ours(benchmark::State& state, int64_t n) {
+        const BigInteger a = ours(digits(static_cast<size_t>(n), 1)), b = ours(digits(static_cast<size_t>(n), 2));
     for (auto _ : state)
         benchmark::DoNotOptimize(a.multiply(b));
 }
 
 // Divide: 2n digits by n digits, quotient and remainder.
 
-void Divide_ours(benchmark::State& state) {
-    const auto n = static_cast<size_t>(state.range(0));
-    const BigInteger a = ours(digits(2 * n, 3)), b = ours(digits(n, 4));
+void Divide_ours(benchmark::State& state, int64_t n) {
+        const BigInteger a = ours(digits(2 * static_cast<size_t>(n), 3)), b = ours(digits(static_cast<size_t>(n), 4));
     for (auto _ : state)
         benchmark::DoNotOptimize(a.divideAndRemainder(b));
 }
 
-void ToString_ours(benchmark::State& state) {
-    const BigInteger a = ours(digits(static_cast<size_t>(state.range(0)), 5));
+void ToString_ours(benchmark::State& state, int64_t n) {
+    const BigInteger a = ours(digits(static_cast<size_t>(n), 5));
     for (auto _ : state)
         benchmark::DoNotOptimize(a.toString(10));
 }
 
-void Parse_ours(benchmark::State& state) {
-    const String text = wide(digits(static_cast<size_t>(state.range(0)), 6));
+void Parse_ours(benchmark::State& state, int64_t n) {
+    const String text = wide(digits(static_cast<size_t>(n), 6));
     for (auto _ : state)
         benchmark::DoNotOptimize(BigInteger(text));
 }
@@ -88,7 +86,7 @@ ModPowOperands modPowOperands() {
     return {digits(616, 8), digits(616, 9), m};
 }
 
-void ModPow_ours(benchmark::State& state) {
+void ModPow_ours(benchmark::State& state, int64_t) {
     const ModPowOperands o = modPowOperands();
     const BigInteger base = ours(o.base), exponent = ours(o.exponent), m = ours(o.modulus);
     for (auto _ : state)
@@ -111,9 +109,8 @@ struct Mpz {
     mpz_t v;
 };
 
-void Multiply_gmp(benchmark::State& state) {
-    const auto n = static_cast<size_t>(state.range(0));
-    const Mpz a(digits(n, 1)), b(digits(n, 2));
+void Multiply_gmp(benchmark::State& state, int64_t n) {
+        const Mpz a(digits(static_cast<size_t>(n), 1)), b(digits(static_cast<size_t>(n), 2));
     Mpz r;
     for (auto _ : state) {
         mpz_mul(r.v, a.v, b.v);
@@ -121,9 +118,8 @@ void Multiply_gmp(benchmark::State& state) {
     }
 }
 
-void Divide_gmp(benchmark::State& state) {
-    const auto n = static_cast<size_t>(state.range(0));
-    const Mpz a(digits(2 * n, 3)), b(digits(n, 4));
+void Divide_gmp(benchmark::State& state, int64_t n) {
+        const Mpz a(digits(2 * static_cast<size_t>(n), 3)), b(digits(static_cast<size_t>(n), 4));
     Mpz q, r;
     for (auto _ : state) {
         mpz_tdiv_qr(q.v, r.v, a.v, b.v);
@@ -131,15 +127,15 @@ void Divide_gmp(benchmark::State& state) {
     }
 }
 
-void ToString_gmp(benchmark::State& state) {
-    const Mpz a(digits(static_cast<size_t>(state.range(0)), 5));
+void ToString_gmp(benchmark::State& state, int64_t n) {
+    const Mpz a(digits(static_cast<size_t>(n), 5));
     std::vector<char> buffer(mpz_sizeinbase(a.v, 10) + 2);
     for (auto _ : state)
         benchmark::DoNotOptimize(mpz_get_str(buffer.data(), 10, a.v));
 }
 
-void Parse_gmp(benchmark::State& state) {
-    const std::string text = digits(static_cast<size_t>(state.range(0)), 6);
+void Parse_gmp(benchmark::State& state, int64_t n) {
+    const std::string text = digits(static_cast<size_t>(n), 6);
     Mpz r;
     for (auto _ : state) {
         mpz_set_str(r.v, text.c_str(), 10);
@@ -147,7 +143,7 @@ void Parse_gmp(benchmark::State& state) {
     }
 }
 
-void ModPow_gmp(benchmark::State& state) {
+void ModPow_gmp(benchmark::State& state, int64_t) {
     const ModPowOperands o = modPowOperands();
     const Mpz base(o.base), exponent(o.exponent), m(o.modulus);
     Mpz r;
@@ -175,7 +171,7 @@ private:
         m_state = m_state * 6364136223846793005u + 1442695040888963407u;
         const size_t sizes[] = {1, 5, 19, 20, 40, 300, 700, 2000, 4000, 12000, 40000, 100000};
         const size_t n = sizes[(m_state >> 40) % 12];
-        std::string text = digits(n, m_state);
+        std::string text = digits(static_cast<size_t>(n), m_state);
         return (m_state >> 20) & 1 ? "-" + text : text;
     }
 
@@ -247,8 +243,8 @@ private:
 void registerAll() {
     struct Case {
         const char* kind;
-        void (*ours)(benchmark::State&);
-        void (*gmp)(benchmark::State&);
+        void (*ours)(benchmark::State&, int64_t);
+        void (*gmp)(benchmark::State&, int64_t);
         std::vector<int64_t> sizes;
     };
     const Case cases[] = {
@@ -269,12 +265,10 @@ void registerAll() {
     for (const Case& c : cases) {
         for (int64_t n : c.sizes) {
             const std::string base = std::string("math.") + c.kind + std::to_string(n);
-            benchmark::RegisterBenchmark((base + "/ours").c_str(), c.ours)
-                ->Arg(n)
+            benchmark::RegisterBenchmark((base + "/ours").c_str(), c.ours, n)
                 ->Unit(benchmark::kMicrosecond);
             if (c.gmp)
-                benchmark::RegisterBenchmark((base + "/gmp").c_str(), c.gmp)
-                    ->Arg(n)
+                benchmark::RegisterBenchmark((base + "/gmp").c_str(), c.gmp, n)
                     ->Unit(benchmark::kMicrosecond);
         }
     }
