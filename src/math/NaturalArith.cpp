@@ -57,6 +57,15 @@ int compare(const Limb* a, size_t an, const Limb* b, size_t bn) {
 }
 
 Limb addN(Limb* r, const Limb* a, const Limb* b, size_t n) {
+#ifdef QNCL_MATH_INT128
+    Wide sum = 0;
+    for (size_t i = 0; i < n; ++i) {
+        sum += static_cast<Wide>(a[i]) + b[i];
+        r[i] = static_cast<Limb>(sum);
+        sum >>= 64;
+    }
+    return static_cast<Limb>(sum);
+#else
     Limb carry = 0;
     for (size_t i = 0; i < n; ++i) {
         const Limb x = a[i];
@@ -66,6 +75,7 @@ Limb addN(Limb* r, const Limb* a, const Limb* b, size_t n) {
         r[i] = t;
     }
     return carry;
+#endif
 }
 
 Limb add1(Limb* r, const Limb* a, size_t n, Limb b) {
@@ -115,6 +125,15 @@ Limb sub(Limb* r, const Limb* a, size_t an, const Limb* b, size_t bn) {
 }
 
 Limb mul1(Limb* r, const Limb* a, size_t n, Limb b) {
+#ifdef QNCL_MATH_INT128
+    Limb high = 0;
+    for (size_t i = 0; i < n; ++i) {
+        const Wide t = static_cast<Wide>(a[i]) * b + high;
+        r[i] = static_cast<Limb>(t);
+        high = static_cast<Limb>(t >> 64);
+    }
+    return high;
+#else
     Limb carry = 0;
     for (size_t i = 0; i < n; ++i) {
         Limb high;
@@ -124,9 +143,20 @@ Limb mul1(Limb* r, const Limb* a, size_t n, Limb b) {
         r[i] = t;
     }
     return carry;
+#endif
 }
 
 Limb addMul1(Limb* r, const Limb* a, size_t n, Limb b) {
+#ifdef QNCL_MATH_INT128
+    Limb high = 0;
+    for (size_t i = 0; i < n; ++i) {
+        // (B - 1)^2 + 2 (B - 1) < B^2: never overflows.
+        const Wide t = static_cast<Wide>(a[i]) * b + r[i] + high;
+        r[i] = static_cast<Limb>(t);
+        high = static_cast<Limb>(t >> 64);
+    }
+    return high;
+#else
     Limb carry = 0;
     for (size_t i = 0; i < n; ++i) {
         Limb high;
@@ -138,6 +168,7 @@ Limb addMul1(Limb* r, const Limb* a, size_t n, Limb b) {
         r[i] = t;
     }
     return carry;
+#endif
 }
 
 Limb subMul1(Limb* r, const Limb* a, size_t n, Limb b) {
@@ -172,9 +203,55 @@ Limb shiftRight(Limb* r, const Limb* a, size_t n, int s) {
 
 namespace {
 
+// r[0, n + 1) += a * (b0 + b1 B); the limb carried out of r[n + 1]. Two rows in one pass
+// halve the loads and stores of r.
+Limb addMul2(Limb* r, const Limb* a, size_t n, Limb b0, Limb b1) {
+#ifdef QNCL_MATH_INT128
+    // c: what is owed to position i (at most about 2B), carried as a wide number.
+    Limb c0 = 0, c1 = 0;
+    for (size_t i = 0; i < n; ++i) {
+        const Wide p0 = static_cast<Wide>(a[i]) * b0 + r[i] + c0;
+        r[i] = static_cast<Limb>(p0);
+        const Wide p1 = static_cast<Wide>(a[i]) * b1 + static_cast<Limb>(p0 >> 64) + c1;
+        c0 = static_cast<Limb>(p1);
+        c1 = static_cast<Limb>(p1 >> 64);
+    }
+    const Wide t = static_cast<Wide>(r[n]) + c0;
+    r[n] = static_cast<Limb>(t);
+    return c1 + static_cast<Limb>(t >> 64);
+#else
+    Limb c0 = 0, c1 = 0;
+    for (size_t i = 0; i < n; ++i) {
+        const Limb x = a[i];
+        Limb h0, h1;
+        Limb l0 = mulWide(x, b0, h0);
+        const Limb l1 = mulWide(x, b1, h1);
+        // Position i: r[i] + x b0 + c0 (c0 already holds the b1 row's part for it).
+        l0 += c0;
+        h0 += l0 < c0;
+        const Limb t = r[i] + l0;
+        h0 += t < l0;
+        r[i] = t;
+        // Position i + 1: the high limb of x b0, the low limb of x b1, and c1.
+        Limb next = h0 + l1;
+        Limb high = h1 + (next < l1);
+        next += c1;
+        high += next < c1;
+        c0 = next;
+        c1 = high;
+    }
+    const Limb t = r[n] + c0;
+    r[n] = t;
+    return c1 + (t < c0);
+#endif
+}
+
 void mulBasecase(Limb* r, const Limb* a, size_t an, const Limb* b, size_t bn) {
     r[an] = mul1(r, a, an, b[0]);
-    for (size_t j = 1; j < bn; ++j)
+    size_t j = 1;
+    for (; j + 1 < bn; j += 2)
+        r[an + j + 1] = addMul2(r + j, a, an, b[j], b[j + 1]);
+    if (j < bn)
         r[an + j] = addMul1(r + j, a, an, b[j]);
 }
 
@@ -327,9 +404,18 @@ Signed shifted(Signed x, int left) {
     return x;
 }
 
+// Division by 3 known to be exact: multiplication by 3's inverse modulo B, limb by limb.
 Signed divExact3(Signed x) {
-    if (!x.mag.empty())
-        divRem1(x.mag.data(), x.mag.data(), x.mag.size(), 3);
+    const Limb inverse = 0xAAAAAAAAAAAAAAABu; // 3 * inverse == 1 mod 2^64
+    Limb borrow = 0;
+    for (Limb& limb : x.mag) {
+        const Limb s = limb;
+        const Limb q = (s - borrow) * inverse;
+        limb = q;
+        Limb high;
+        mulWide(q, 3, high);
+        borrow = high + (s < borrow);
+    }
     trim(x.mag);
     return x;
 }
