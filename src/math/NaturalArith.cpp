@@ -203,8 +203,8 @@ Limb shiftRight(Limb* r, const Limb* a, size_t n, int s) {
 
 namespace {
 
-// r[0, n + 1) += a * (b0 + b1 B); the limb carried out of r[n + 1]. Two rows in one pass
-// halve the loads and stores of r.
+// r[0, n + 2) = r[0, n) + a * (b0 + b1 B): r[n] is written and r[n + 1] returned. Two rows in
+// one pass halve the loads and stores of r.
 Limb addMul2(Limb* r, const Limb* a, size_t n, Limb b0, Limb b1) {
 #ifdef QNCL_MATH_INT128
     // c: what is owed to position i (at most about 2B), carried as a wide number.
@@ -216,9 +216,8 @@ Limb addMul2(Limb* r, const Limb* a, size_t n, Limb b0, Limb b1) {
         c0 = static_cast<Limb>(p1);
         c1 = static_cast<Limb>(p1 >> 64);
     }
-    const Wide t = static_cast<Wide>(r[n]) + c0;
-    r[n] = static_cast<Limb>(t);
-    return c1 + static_cast<Limb>(t >> 64);
+    r[n] = c0;
+    return c1;
 #else
     Limb c0 = 0, c1 = 0;
     for (size_t i = 0; i < n; ++i) {
@@ -240,9 +239,8 @@ Limb addMul2(Limb* r, const Limb* a, size_t n, Limb b0, Limb b1) {
         c0 = next;
         c1 = high;
     }
-    const Limb t = r[n] + c0;
-    r[n] = t;
-    return c1 + (t < c0);
+    r[n] = c0;
+    return c1;
 #endif
 }
 

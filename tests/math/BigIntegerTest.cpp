@@ -62,6 +62,19 @@ TEST(BigInteger, CarriesAndBorrowsCrossLimbs) {
               "fffffffffffffffffffffffffffffffe00000000000000000000000000000001");
     EXPECT_EQ(narrow(BigInteger(1).shiftLeft(128).toString()),
               "340282366920938463463374607431768211456");
+    // All-ones operands of every small shape: each product limb sees the largest carries.
+    for (int m = 1; m <= 9; ++m) {
+        for (int n = 1; n <= 9; ++n) {
+            const BigInteger x = BigInteger(1).shiftLeft(64 * m).subtract(BigInteger(1));
+            const BigInteger y = BigInteger(1).shiftLeft(64 * n).subtract(BigInteger(1));
+            const BigInteger expected = BigInteger(1)
+                                            .shiftLeft(64 * (m + n))
+                                            .subtract(BigInteger(1).shiftLeft(64 * m))
+                                            .subtract(BigInteger(1).shiftLeft(64 * n))
+                                            .add(BigInteger(1));
+            EXPECT_EQ(x.multiply(y), expected) << m << "x" << n;
+        }
+    }
     // Borrowing across a run of zero limbs.
     EXPECT_EQ(BigInteger(1).shiftLeft(256).subtract(BigInteger(1)).bitCount(), 256);
     EXPECT_EQ(narrow(BigInteger(1).shiftLeft(192).subtract(limb).toString(16)),
