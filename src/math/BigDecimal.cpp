@@ -42,7 +42,7 @@ int32_t checkedScale(int64_t scale) {
 
 BigInteger tenPow(int64_t n) {
     if (n < 19)
-        return BigInteger(static_cast<long long>(POWERS_OF_TEN[n]));
+        return BigInteger(POWERS_OF_TEN[n]);
     if (n > INT32_MAX)
         fail<MathOverflowException>(u"BigDecimal: power of ten beyond range");
     return BigInteger(10).pow(static_cast<int32_t>(n));

@@ -381,14 +381,9 @@ bool millerRabinPasses(const BigInteger& w, const BigInteger& wMinusOne, const B
 
 BigInteger::BigInteger(Block* block, int signum) noexcept : m_block(block), m_signum(signum) {}
 
-BigInteger::BigInteger(long long value) : m_block(nullptr), m_signum(0) {
-    if (!value)
-        return;
-    const Limb magnitude =
-        value < 0 ? ~static_cast<Limb>(value) + 1 : static_cast<Limb>(value);
-    m_block = Access::allocate(1);
-    m_block->limbs()[0] = magnitude;
-    m_signum = value < 0 ? -1 : 1;
+BigInteger BigInteger::valueOf(int64_t value) {
+    const Limb magnitude = value < 0 ? ~static_cast<Limb>(value) + 1 : static_cast<Limb>(value);
+    return Access::fromLimbs(&magnitude, 1, value < 0 ? -1 : 1);
 }
 
 BigInteger::BigInteger(const BigInteger& other) noexcept
@@ -481,7 +476,7 @@ BigInteger BigInteger::valueOf(double value) {
     int exponent;
     const double fraction = std::frexp(std::fabs(truncated), &exponent);
     // 53 significant bits as an integer, then shifted into place.
-    const auto mantissa = static_cast<long long>(std::ldexp(fraction, 53));
+    const auto mantissa = static_cast<int64_t>(std::ldexp(fraction, 53));
     BigInteger r = BigInteger(mantissa);
     r = exponent >= 53 ? r.shiftLeft(exponent - 53) : r.shiftRight(53 - exponent);
     return value < 0 ? r.negate() : r;

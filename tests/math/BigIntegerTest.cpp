@@ -85,10 +85,10 @@ TEST(BigInteger, SignsInEveryOperation) {
     const int64_t values[] = {-7, -3, -1, 0, 1, 3, 7, INT64_MIN + 1, INT64_MAX};
     for (int64_t a : values) {
         for (int64_t b : values) {
-            const BigInteger x(static_cast<long long>(a)), y(static_cast<long long>(b));
+            const BigInteger x(a), y(b);
             SCOPED_TRACE(std::to_string(a) + " " + std::to_string(b));
             EXPECT_EQ(x.add(y).subtract(y), x);
-            EXPECT_EQ(x.multiply(y), BigInteger(static_cast<long long>(b)).multiply(x));
+            EXPECT_EQ(x.multiply(y), BigInteger(b).multiply(x));
             if (a > -1000 && a < 1000 && b > -1000 && b < 1000) {
                 EXPECT_EQ(x.add(y).int64Value(), a + b);
                 EXPECT_EQ(x.multiply(y).int64Value(), a * b);
@@ -107,15 +107,15 @@ TEST(BigInteger, SignsInEveryOperation) {
             }
             EXPECT_EQ(x.compareTo(y), a < b ? -1 : a > b ? 1 : 0);
         }
-        const BigInteger x(static_cast<long long>(a));
+        const BigInteger x(a);
         EXPECT_EQ(x.negate().negate(), x);
         EXPECT_EQ(x.abs().signum(), a != 0 ? 1 : 0);
         EXPECT_EQ(x.not_().int64Value(), ~a);
         EXPECT_EQ(x.int64Value(), a);
     }
-    EXPECT_EQ(narrow(BigInteger(static_cast<long long>(INT64_MIN)).toString()),
+    EXPECT_EQ(narrow(BigInteger(INT64_MIN).toString()),
               "-9223372036854775808");
-    EXPECT_EQ(BigInteger(static_cast<long long>(INT64_MIN)).negate().int64Value(), INT64_MIN);
+    EXPECT_EQ(BigInteger(INT64_MIN).negate().int64Value(), INT64_MIN);
 }
 
 TEST(BigInteger, TwosComplementBitsOfNegatives) {
@@ -378,6 +378,11 @@ TEST(BigInteger, ConversionsAndObjectBehaviour) {
     EXPECT_EQ(BigInteger::valueOf(2.75), BigInteger(2));
     EXPECT_THROW(BigInteger::valueOf(std::nan("")), MathInvalidOpException);
     EXPECT_EQ(BigInteger::valueOfUnsigned(UINT64_MAX), big(u"18446744073709551615"));
+    // Every built-in integer type converts by its own signedness.
+    EXPECT_EQ(BigInteger(UINT64_MAX), big(u"18446744073709551615"));
+    EXPECT_EQ(BigInteger(static_cast<unsigned char>(200)).int64Value(), 200);
+    EXPECT_EQ(BigInteger(static_cast<signed char>(-100)).int64Value(), -100);
+    EXPECT_EQ(BigInteger(4000000000u).int64Value(), 4000000000);
 
     EXPECT_EQ(BigInteger(-5).min(BigInteger(3)).int64Value(), -5);
     EXPECT_EQ(BigInteger(-5).max(BigInteger(3)).int64Value(), 3);

@@ -64,9 +64,9 @@ public:
     // Zero with scale 0.
     BigDecimal() noexcept : m_scale(0) {}
     BigDecimal(const BigInteger& unscaled, int32_t scale = 0);
-    BigDecimal(long long value) : BigDecimal(BigInteger(value)) {}
-    BigDecimal(long value) : BigDecimal(BigInteger(value)) {}
-    BigDecimal(int value) : BigDecimal(BigInteger(value)) {}
+    // Any built-in integer, at scale 0.
+    template <class T, std::enable_if_t<std::is_integral_v<T>, int> = 0>
+    BigDecimal(T value) : BigDecimal(BigInteger(value)) {}
     // The exact binary value of a finite double: BigDecimal(0.1) has 55 digits.
     explicit BigDecimal(double value);
     explicit BigDecimal(const String& text);
@@ -78,7 +78,7 @@ public:
     ~BigDecimal() override;
 
     static BigDecimal valueOf(int64_t unscaled, int32_t scale = 0) {
-        return BigDecimal(BigInteger(static_cast<long long>(unscaled)), scale);
+        return BigDecimal(BigInteger(unscaled), scale);
     }
     // Through the shortest text that reads back as value: valueOf(0.1) is 0.1.
     static BigDecimal valueOf(double value);

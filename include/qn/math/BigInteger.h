@@ -36,6 +36,7 @@
 #include "qn/core/String.h"
 
 #include <cstdint>
+#include <type_traits>
 #include <utility>
 #include <vector>
 
@@ -45,9 +46,9 @@ class QNCL_API BigInteger : public CopyObject {
 public:
     // Zero.
     BigInteger() noexcept : m_block(nullptr), m_signum(0) {}
-    BigInteger(long long value);
-    BigInteger(long value) : BigInteger(static_cast<long long>(value)) {}
-    BigInteger(int value) : BigInteger(static_cast<long long>(value)) {}
+    // Any built-in integer, signed or unsigned.
+    template <class T, std::enable_if_t<std::is_integral_v<T>, int> = 0>
+    BigInteger(T value) : BigInteger(fromIntegral(value)) {}
     BigInteger(const BigInteger& other) noexcept;
     BigInteger(BigInteger&& other) noexcept;
     BigInteger& operator=(const BigInteger& other) noexcept;
@@ -67,7 +68,7 @@ public:
     // RangeErrorException for another sign, or a non-zero magnitude with sign 0.
     BigInteger(int signum, const unsigned char* magnitude, int32_t length);
 
-    static BigInteger valueOf(int64_t value) { return BigInteger(static_cast<long long>(value)); }
+    static BigInteger valueOf(int64_t value);
     static BigInteger valueOfUnsigned(uint64_t value);
     static BigInteger valueOf(const String& text, int radix = 10) {
         return BigInteger(text, radix);
@@ -152,6 +153,12 @@ private:
     struct Block;
 
     BigInteger(Block* block, int signum) noexcept;
+    template <class T> static BigInteger fromIntegral(T value) {
+        if constexpr (std::is_signed_v<T>)
+            return valueOf(static_cast<int64_t>(value));
+        else
+            return valueOfUnsigned(static_cast<uint64_t>(value));
+    }
     uint32_t size() const noexcept;
     const uint64_t* limbs() const noexcept;
 
