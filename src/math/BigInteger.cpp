@@ -241,7 +241,7 @@ BigInteger parse(const char16_t* text, int32_t length, int radix) {
 class Montgomery {
 public:
     explicit Montgomery(const BigInteger& m)
-        : m_m(Access::limbs(m)), m_n(Access::size(m)), m_t(nat::allocate(2 * m_n + 1)) {
+        : m_m(Access::limbs(m)), m_n(Access::size(m)), m_t(nat::allocate(2 * m_n)) {
         // -m^-1 mod B by Newton's iteration, each step doubling the correct low bits.
         const Limb m0 = m_m[0];
         Limb x = m0;
@@ -270,17 +270,31 @@ public:
     // r = a b R^-1 mod m; r may be a or b. a == b squares.
     void multiply(Limb* r, const Limb* a, const Limb* b) {
         Limb* t = m_t.get();
-        nat::mul(t, a, m_n, b, m_n);
-        t[2 * m_n] = 0;
-        for (size_t i = 0; i < m_n; ++i) {
-            const Limb u = t[i] * m_inverse;
-            const Limb carry = nat::addMul1(t + i, m_m, m_n, u);
-            nat::add1(t + i + m_n, t + i + m_n, m_n + 1 - i, carry);
+        const size_t n = m_n;
+        // Up to twice the Karatsuba size (2048-bit and 4096-bit moduli) the quadratic methods
+        // are called directly: Karatsuba's one level gains less than its scratch space costs.
+        if (n > 2 * nat::thresholds.karatsuba)
+            nat::mul(t, a, n, b, n);
+        else if (a == b)
+            nat::sqrBasecase(t, a, n);
+        else
+            nat::mulBasecase(t, a, n, b, n);
+        // Each row clears one low limb; its carry belongs n limbs up and waits in the cleared
+        // limb until all rows are done. Rows go in pairs: the second multiplier is known from
+        // what the first row leaves in its limb.
+        size_t i = 0;
+        for (; i + 1 < n; i += 2) {
+            const Limb u0 = t[i] * m_inverse;
+            Limb high;
+            nat::mulWide(u0, m_m[0], high);
+            const Limb next = t[i + 1] + high + u0 * m_m[1] + (t[i] != 0);
+            nat::addMul2(t + i, m_m, n, u0, next * m_inverse, t[i], t[i + 1]);
         }
-        Limb* high = t + m_n;
-        if (high[m_n] || nat::compare(high, m_m, m_n) >= 0)
-            nat::subN(high, high, m_m, m_n);
-        std::copy(high, high + m_n, r);
+        if (i < n)
+            t[i] = nat::addMul1(t + i, m_m, n, t[i] * m_inverse);
+        const Limb carry = nat::addN(r, t + n, t, n);
+        if (carry || nat::compare(r, m_m, n) >= 0)
+            nat::subN(r, r, m_m, n);
     }
 
 private:

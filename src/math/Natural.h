@@ -153,6 +153,8 @@ Limb sub1(Limb* r, const Limb* a, size_t n, Limb b);
 Limb mul1(Limb* r, const Limb* a, size_t n, Limb b);
 // r += a * b over n limbs; the limb carried out.
 Limb addMul1(Limb* r, const Limb* a, size_t n, Limb b);
+// r += a * (b0 + b1 B) over n limbs; the two limbs carried out go to c0 and c1.
+void addMul2(Limb* r, const Limb* a, size_t n, Limb b0, Limb b1, Limb& c0, Limb& c1);
 // r -= a * b over n limbs; the limb borrowed out.
 Limb subMul1(Limb* r, const Limb* a, size_t n, Limb b);
 
@@ -164,6 +166,10 @@ Limb shiftRight(Limb* r, const Limb* a, size_t n, int s);
 // r = a * b, r of an + bn limbs, not overlapping a or b; an, bn >= 1. a == b with an == bn
 // squares.
 void mul(Limb* r, const Limb* a, size_t an, const Limb* b, size_t bn);
+// The quadratic methods alone, for small operands of known size: r = a * b for an >= bn >= 1,
+// and r = a^2 (2n limbs); r does not overlap the operands.
+void mulBasecase(Limb* r, const Limb* a, size_t an, const Limb* b, size_t bn);
+void sqrBasecase(Limb* r, const Limb* a, size_t n);
 // r = a * b by number-theoretic transforms, for large operands; same rules as mul.
 void mulNtt(Limb* r, const Limb* a, size_t an, const Limb* b, size_t bn);
 // Vector forms over normalized operands; zero is the empty vector.

@@ -203,54 +203,48 @@ Limb shiftRight(Limb* r, const Limb* a, size_t n, int s) {
     return out;
 }
 
-namespace {
-
-// r[0, n + 2) = r[0, n) + a * (b0 + b1 B): r[n] is written and r[n + 1] returned. Two rows in
-// one pass halve the loads and stores of r.
-Limb addMul2(Limb* r, const Limb* a, size_t n, Limb b0, Limb b1) {
+// r[0, n) += a * (b0 + b1 B), the two limbs above going to c0 (r[n]'s place) and c1
+// (r[n + 1]'s). Two rows in one pass halve the loads and stores of r.
+void addMul2(Limb* r, const Limb* a, size_t n, Limb b0, Limb b1, Limb& c0, Limb& c1) {
+    Limb low = 0, high = 0;
 #ifdef QNCL_MATH_INT128
-    // c: what is owed to position i (at most about 2B), carried as a wide number.
-    Limb c0 = 0, c1 = 0;
     for (size_t i = 0; i < n; ++i) {
-        const Wide p0 = static_cast<Wide>(a[i]) * b0 + r[i] + c0;
+        const Wide p0 = static_cast<Wide>(a[i]) * b0 + r[i] + low;
         r[i] = static_cast<Limb>(p0);
-        const Wide p1 = static_cast<Wide>(a[i]) * b1 + static_cast<Limb>(p0 >> 64) + c1;
-        c0 = static_cast<Limb>(p1);
-        c1 = static_cast<Limb>(p1 >> 64);
+        const Wide p1 = static_cast<Wide>(a[i]) * b1 + static_cast<Limb>(p0 >> 64) + high;
+        low = static_cast<Limb>(p1);
+        high = static_cast<Limb>(p1 >> 64);
     }
-    r[n] = c0;
-    return c1;
 #else
-    Limb c0 = 0, c1 = 0;
     for (size_t i = 0; i < n; ++i) {
         const Limb x = a[i];
         Limb h0, h1;
         Limb l0 = mulWide(x, b0, h0);
         const Limb l1 = mulWide(x, b1, h1);
-        // Position i: r[i] + x b0 + c0 (c0 already holds the b1 row's part for it).
-        l0 += c0;
-        h0 += l0 < c0;
+        // Position i: r[i] + x b0 + low (low already holds the b1 row's part for it).
+        l0 += low;
+        h0 += l0 < low;
         const Limb t = r[i] + l0;
         h0 += t < l0;
         r[i] = t;
-        // Position i + 1: the high limb of x b0, the low limb of x b1, and c1.
+        // Position i + 1: the high limb of x b0, the low limb of x b1, and high.
         Limb next = h0 + l1;
-        Limb high = h1 + (next < l1);
-        next += c1;
-        high += next < c1;
-        c0 = next;
-        c1 = high;
+        Limb top = h1 + (next < l1);
+        next += high;
+        top += next < high;
+        low = next;
+        high = top;
     }
-    r[n] = c0;
-    return c1;
 #endif
+    c0 = low;
+    c1 = high;
 }
 
 void mulBasecase(Limb* r, const Limb* a, size_t an, const Limb* b, size_t bn) {
     r[an] = mul1(r, a, an, b[0]);
     size_t j = 1;
     for (; j + 1 < bn; j += 2)
-        r[an + j + 1] = addMul2(r + j, a, an, b[j], b[j + 1]);
+        addMul2(r + j, a, an, b[j], b[j + 1], r[an + j], r[an + j + 1]);
     if (j < bn)
         r[an + j] = addMul1(r + j, a, an, b[j]);
 }
@@ -283,6 +277,8 @@ void sqrBasecase(Limb* r, const Limb* a, size_t n) {
         carry = c2;
     }
 }
+
+namespace {
 
 void mulDispatch(Limb* r, const Limb* a, size_t an, const Limb* b, size_t bn);
 

@@ -219,6 +219,8 @@ TEST(BigDecimal, ConversionsAndObjectBehaviour) {
     EXPECT_EQ(narrow(BigDecimal(-2.5).toString()), "-2.5");
     EXPECT_EQ(narrow(BigDecimal(1e20).toString()), "100000000000000000000");
     EXPECT_EQ(narrow(BigDecimal::valueOf(0.1).toString()), "0.1");
+    EXPECT_EQ(narrow(BigDecimal::valueOf(5).toString()), "5");
+    EXPECT_EQ(narrow(BigDecimal::valueOf(-5, 3).toString()), "-0.005");
     EXPECT_THROW(BigDecimal x(std::nan("")), MathInvalidOpException);
     EXPECT_EQ(dec(u"0.1").doubleValue(), 0.1);
     EXPECT_EQ(dec(u"-123.456").doubleValue(), -123.456);

@@ -376,6 +376,7 @@ TEST(BigInteger, ConversionsAndObjectBehaviour) {
     EXPECT_EQ(BigInteger(1).shiftLeft(1024).doubleValue(), HUGE_VAL);
     EXPECT_EQ(BigInteger::valueOf(-1e20), big(u"-100000000000000000000"));
     EXPECT_EQ(BigInteger::valueOf(2.75), BigInteger(2));
+    EXPECT_EQ(BigInteger::valueOf(-7).int64Value(), -7);
     EXPECT_THROW(BigInteger::valueOf(std::nan("")), MathInvalidOpException);
     EXPECT_EQ(BigInteger::valueOfUnsigned(UINT64_MAX), big(u"18446744073709551615"));
     // Every built-in integer type converts by its own signedness.

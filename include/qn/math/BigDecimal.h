@@ -77,7 +77,8 @@ public:
     BigDecimal& operator=(BigDecimal&& other) noexcept;
     ~BigDecimal() override;
 
-    static BigDecimal valueOf(int64_t unscaled, int32_t scale = 0) {
+    template <class T, std::enable_if_t<std::is_integral_v<T>, int> = 0>
+    static BigDecimal valueOf(T unscaled, int32_t scale = 0) {
         return BigDecimal(BigInteger(unscaled), scale);
     }
     // Through the shortest text that reads back as value: valueOf(0.1) is 0.1.

@@ -69,6 +69,12 @@ public:
     BigInteger(int signum, const unsigned char* magnitude, int32_t length);
 
     static BigInteger valueOf(int64_t value);
+    // Other integer types by their own signedness, so that valueOf(5) is not ambiguous with
+    // valueOf(double).
+    template <class T, std::enable_if_t<std::is_integral_v<T>, int> = 0>
+    static BigInteger valueOf(T value) {
+        return fromIntegral(value);
+    }
     static BigInteger valueOfUnsigned(uint64_t value);
     static BigInteger valueOf(const String& text, int radix = 10) {
         return BigInteger(text, radix);
@@ -148,7 +154,6 @@ public:
     bool equals(const BigInteger& other) const noexcept { return compareTo(other) == 0; }
 
 private:
-    friend class BigDecimal;
     friend struct BigIntegerAccess;
     struct Block;
 
