@@ -50,7 +50,8 @@ std::string narrow(const String& s) {
 // Multiply: two numbers of n digits.
 
 void Multiply_ours(benchmark::State& state, int64_t n) {
-        const BigInteger a = ours(digits(static_cast<size_t>(n), 1)), b = ours(digits(static_cast<size_t>(n), 2));
+    const BigInteger a = ours(digits(static_cast<size_t>(n), 1)),
+                     b = ours(digits(static_cast<size_t>(n), 2));
     for (auto _ : state)
         benchmark::DoNotOptimize(a.multiply(b));
 }
@@ -58,7 +59,8 @@ void Multiply_ours(benchmark::State& state, int64_t n) {
 // Divide: 2n digits by n digits, quotient and remainder.
 
 void Divide_ours(benchmark::State& state, int64_t n) {
-        const BigInteger a = ours(digits(2 * static_cast<size_t>(n), 3)), b = ours(digits(static_cast<size_t>(n), 4));
+    const BigInteger a = ours(digits(2 * static_cast<size_t>(n), 3)),
+                     b = ours(digits(static_cast<size_t>(n), 4));
     for (auto _ : state)
         benchmark::DoNotOptimize(a.divideAndRemainder(b));
 }
@@ -110,7 +112,7 @@ struct Mpz {
 };
 
 void Multiply_gmp(benchmark::State& state, int64_t n) {
-        const Mpz a(digits(static_cast<size_t>(n), 1)), b(digits(static_cast<size_t>(n), 2));
+    const Mpz a(digits(static_cast<size_t>(n), 1)), b(digits(static_cast<size_t>(n), 2));
     Mpz r;
     for (auto _ : state) {
         mpz_mul(r.v, a.v, b.v);
@@ -119,7 +121,7 @@ void Multiply_gmp(benchmark::State& state, int64_t n) {
 }
 
 void Divide_gmp(benchmark::State& state, int64_t n) {
-        const Mpz a(digits(2 * static_cast<size_t>(n), 3)), b(digits(static_cast<size_t>(n), 4));
+    const Mpz a(digits(2 * static_cast<size_t>(n), 3)), b(digits(static_cast<size_t>(n), 4));
     Mpz q, r;
     for (auto _ : state) {
         mpz_tdiv_qr(q.v, r.v, a.v, b.v);
@@ -227,8 +229,7 @@ private:
             expect("modPow", narrow(a.modPow(a.abs(), m).toString()), r);
             mpz_add_ui(s.v, s.v, 1);
             mpz_powm(r.v, x.v, e.v, s.v);
-            expect("modPow (even)", narrow(a.modPow(a.abs(), m.add(BigInteger(1))).toString()),
-                   r);
+            expect("modPow (even)", narrow(a.modPow(a.abs(), m.add(BigInteger(1))).toString()), r);
         }
     }
 

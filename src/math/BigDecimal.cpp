@@ -221,7 +221,8 @@ String toText(int signum, const std::u16string& body) {
 
 } // namespace
 
-MathContext::MathContext(int32_t digits, RoundingMode mode) : precision(digits), roundingMode(mode) {
+MathContext::MathContext(int32_t digits, RoundingMode mode)
+    : precision(digits), roundingMode(mode) {
     if (digits < 0)
         fail<MathInvalidOpException>(u"MathContext: negative precision");
 }
@@ -469,8 +470,7 @@ BigDecimal BigDecimal::pow(int32_t n, const MathContext& mc) const {
     if (mc.precision == 0)
         return pow(n);
     if (n < -999999999 || n > 999999999)
-        fail<MathInvalidOpException>(
-            u"BigDecimal: exponent out of range -999999999 to 999999999");
+        fail<MathInvalidOpException>(u"BigDecimal: exponent out of range -999999999 to 999999999");
     if (n == 0)
         return BigDecimal(1);
     // Square and multiply at a few more digits than asked for, then round once more.
@@ -577,8 +577,7 @@ double BigDecimal::doubleValue() const {
     // u / 10^s with at least 64 significant bits in the quotient and a sticky bit for the
     // remainder: the conversion then rounds once, as the exact quotient would.
     const BigInteger denominator = tenPow(m_scale);
-    const int32_t shift =
-        std::max(0, 66 + denominator.bitLength() - m_unscaled.abs().bitLength());
+    const int32_t shift = std::max(0, 66 + denominator.bitLength() - m_unscaled.abs().bitLength());
     const auto qr = m_unscaled.abs().shiftLeft(shift).divideAndRemainder(denominator);
     BigInteger q = qr.first;
     if (qr.second.signum())

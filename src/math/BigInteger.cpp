@@ -144,8 +144,7 @@ void divideMagnitudes(const BigInteger& a, const BigInteger& b, int quotientSign
     Block* r = nullptr;
     try {
         r = Access::allocate(bn);
-        nat::divRem(Access::limbs(q), Access::limbs(r), Access::limbs(a), an, Access::limbs(b),
-                    bn);
+        nat::divRem(Access::limbs(q), Access::limbs(r), Access::limbs(a), an, Access::limbs(b), bn);
     } catch (...) {
         Access::release(q);
         Access::release(r);
@@ -364,16 +363,15 @@ BigInteger modPowPlain(const BigInteger& base, const BigInteger& exponent, const
 
 // The primes below 1000, for trial division.
 const uint16_t SMALL_PRIMES[] = {
-    2,   3,   5,   7,   11,  13,  17,  19,  23,  29,  31,  37,  41,  43,  47,  53,  59,  61,
-    67,  71,  73,  79,  83,  89,  97,  101, 103, 107, 109, 113, 127, 131, 137, 139, 149, 151,
-    157, 163, 167, 173, 179, 181, 191, 193, 197, 199, 211, 223, 227, 229, 233, 239, 241, 251,
-    257, 263, 269, 271, 277, 281, 283, 293, 307, 311, 313, 317, 331, 337, 347, 349, 353, 359,
-    367, 373, 379, 383, 389, 397, 401, 409, 419, 421, 431, 433, 439, 443, 449, 457, 461, 463,
-    467, 479, 487, 491, 499, 503, 509, 521, 523, 541, 547, 557, 563, 569, 571, 577, 587, 593,
-    599, 601, 607, 613, 617, 619, 631, 641, 643, 647, 653, 659, 661, 673, 677, 683, 691, 701,
-    709, 719, 727, 733, 739, 743, 751, 757, 761, 769, 773, 787, 797, 809, 811, 821, 823, 827,
-    829, 839, 853, 857, 859, 863, 877, 881, 883, 887, 907, 911, 919, 929, 937, 941, 947, 953,
-    967, 971, 977, 983, 991, 997};
+    2,   3,   5,   7,   11,  13,  17,  19,  23,  29,  31,  37,  41,  43,  47,  53,  59,  61,  67,
+    71,  73,  79,  83,  89,  97,  101, 103, 107, 109, 113, 127, 131, 137, 139, 149, 151, 157, 163,
+    167, 173, 179, 181, 191, 193, 197, 199, 211, 223, 227, 229, 233, 239, 241, 251, 257, 263, 269,
+    271, 277, 281, 283, 293, 307, 311, 313, 317, 331, 337, 347, 349, 353, 359, 367, 373, 379, 383,
+    389, 397, 401, 409, 419, 421, 431, 433, 439, 443, 449, 457, 461, 463, 467, 479, 487, 491, 499,
+    503, 509, 521, 523, 541, 547, 557, 563, 569, 571, 577, 587, 593, 599, 601, 607, 613, 617, 619,
+    631, 641, 643, 647, 653, 659, 661, 673, 677, 683, 691, 701, 709, 719, 727, 733, 739, 743, 751,
+    757, 761, 769, 773, 787, 797, 809, 811, 821, 823, 827, 829, 839, 853, 857, 859, 863, 877, 881,
+    883, 887, 907, 911, 919, 929, 937, 941, 947, 953, 967, 971, 977, 983, 991, 997};
 
 // One Miller-Rabin round: false when base proves w composite.
 bool millerRabinPasses(const BigInteger& w, const BigInteger& wMinusOne, const BigInteger& d,
@@ -921,9 +919,12 @@ bool BigInteger::isProbablePrime(int32_t certainty) const {
     // Rounds by size, as the average-case error bounds for random candidates allow, and never
     // more than the certainty asks for (each round at most 1/4).
     const int32_t bits = w.bitLength();
-    const int32_t byBits = bits < 100 ? 50 : bits < 256 ? 27 : bits < 512 ? 15 : bits < 768 ? 8
-                           : bits < 1024                                      ? 4
-                                                                              : 2;
+    const int32_t byBits = bits < 100    ? 50
+                           : bits < 256  ? 27
+                           : bits < 512  ? 15
+                           : bits < 768  ? 8
+                           : bits < 1024 ? 4
+                                         : 2;
     const int32_t rounds = std::min(byBits, (certainty + 1) / 2);
     const BigInteger wMinusOne = w.subtract(BigInteger(1));
     const int32_t s = wMinusOne.getLowestSetBit();

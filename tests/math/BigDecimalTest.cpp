@@ -1,6 +1,6 @@
+#include "qn/math/BigDecimal.h"
 #include "qn/core/Class.h"
 #include "qn/core/Exception.h"
-#include "qn/math/BigDecimal.h"
 
 #include <gtest/gtest.h>
 
@@ -26,7 +26,7 @@ BigDecimal dec(const char16_t* text) {
 } // namespace
 
 TEST(BigDecimal, EveryRoundingModeOnTiesAndNearTies) {
-    const char16_t* values[] = {u"5.5", u"2.5", u"1.6", u"1.1", u"1.0",
+    const char16_t* values[] = {u"5.5",  u"2.5",  u"1.6",  u"1.1",  u"1.0",
                                 u"-1.0", u"-1.1", u"-1.6", u"-2.5", u"-5.5"};
     struct Row {
         RoundingMode mode;
@@ -88,12 +88,18 @@ TEST(BigDecimal, TextInBothNotations) {
         const char* text;
         const char* plain;
     } cases[] = {
-        {123, 0, "123", "123"},          {-123, 0, "-123", "-123"},
-        {123, -1, "1.23E+3", "1230"},    {123, 3, "0.123", "0.123"},
-        {123, 10, "1.23E-8", "0.0000000123"}, {-123, 12, "-1.23E-10", "-0.000000000123"},
-        {0, -2, "0E+2", "0"},            {0, 2, "0.00", "0.00"},
-        {1, 7, "1E-7", "0.0000001"},     {1, 6, "0.000001", "0.000001"},
-        {-5, -3, "-5E+3", "-5000"},      {20261115163005042, 3, "20261115163005.042", "20261115163005.042"},
+        {123, 0, "123", "123"},
+        {-123, 0, "-123", "-123"},
+        {123, -1, "1.23E+3", "1230"},
+        {123, 3, "0.123", "0.123"},
+        {123, 10, "1.23E-8", "0.0000000123"},
+        {-123, 12, "-1.23E-10", "-0.000000000123"},
+        {0, -2, "0E+2", "0"},
+        {0, 2, "0.00", "0.00"},
+        {1, 7, "1E-7", "0.0000001"},
+        {1, 6, "0.000001", "0.000001"},
+        {-5, -3, "-5E+3", "-5000"},
+        {20261115163005042, 3, "20261115163005.042", "20261115163005.042"},
     };
     for (const Case& c : cases) {
         const BigDecimal x(BigInteger(c.unscaled), c.scale);
@@ -107,9 +113,8 @@ TEST(BigDecimal, TextInBothNotations) {
         const char16_t* text;
         long long unscaled;
         int32_t scale;
-    } parsed[] = {{u"1.23E3", 123, -1}, {u"-1.5e-3", -15, 4}, {u".5", 5, 1},
-                  {u"5.", 5, 0},        {u"+0.00", 0, 2},     {u"1e+0", 1, 0},
-                  {u"00012.50", 1250, 2}};
+    } parsed[] = {{u"1.23E3", 123, -1}, {u"-1.5e-3", -15, 4}, {u".5", 5, 1},         {u"5.", 5, 0},
+                  {u"+0.00", 0, 2},     {u"1e+0", 1, 0},      {u"00012.50", 1250, 2}};
     for (const Parsed& p : parsed) {
         const BigDecimal x(p.text);
         EXPECT_EQ(x.unscaledValue().int64Value(), p.unscaled) << narrow(String(p.text));

@@ -1,6 +1,6 @@
+#include "qn/math/BigInteger.h"
 #include "qn/core/Class.h"
 #include "qn/core/Exception.h"
-#include "qn/math/BigInteger.h"
 
 #include <gtest/gtest.h>
 
@@ -113,8 +113,7 @@ TEST(BigInteger, SignsInEveryOperation) {
         EXPECT_EQ(x.not_().int64Value(), ~a);
         EXPECT_EQ(x.int64Value(), a);
     }
-    EXPECT_EQ(narrow(BigInteger(INT64_MIN).toString()),
-              "-9223372036854775808");
+    EXPECT_EQ(narrow(BigInteger(INT64_MIN).toString()), "-9223372036854775808");
     EXPECT_EQ(BigInteger(INT64_MIN).negate().int64Value(), INT64_MIN);
 }
 
@@ -219,8 +218,8 @@ TEST(BigInteger, MultiplicationAlgorithmsAgree) {
         const BigInteger a = numbers.next(n), b = numbers.next(n - 3);
         const BigInteger low = b.and_(BigInteger(1).shiftLeft(64 * 900).subtract(BigInteger(1)));
         const BigInteger high = b.subtract(low);
-        ASSERT_EQ(a.multiply(b), a.multiply(low).add(a.multiply(high.shiftRight(64 * 900))
-                                                         .shiftLeft(64 * 900)));
+        ASSERT_EQ(a.multiply(b),
+                  a.multiply(low).add(a.multiply(high.shiftRight(64 * 900)).shiftLeft(64 * 900)));
         ASSERT_EQ(a.multiply(a), a.multiply(BigInteger(a.toString(16), 16)));
     }
     // (10^k - 1)^2 = 10^2k - 2 10^k + 1 in decimal digits: 9...980...01.
@@ -294,9 +293,9 @@ TEST(BigInteger, BytesRoundTripInTwosComplement) {
     struct Case {
         long long value;
         std::vector<int> bytes;
-    } cases[] = {{0, {0}},           {1, {1}},         {-1, {-1}},       {127, {127}},
-                 {128, {0, -128}},   {-128, {-128}},   {-129, {-1, 127}}, {255, {0, -1}},
-                 {256, {1, 0}},      {-256, {-1, 0}},  {65535, {0, -1, -1}}};
+    } cases[] = {{0, {0}},         {1, {1}},        {-1, {-1}},          {127, {127}},
+                 {128, {0, -128}}, {-128, {-128}},  {-129, {-1, 127}},   {255, {0, -1}},
+                 {256, {1, 0}},    {-256, {-1, 0}}, {65535, {0, -1, -1}}};
     for (const Case& c : cases) {
         const std::vector<signed char> bytes = BigInteger(c.value).toByteArray();
         ASSERT_EQ(bytes.size(), c.bytes.size()) << c.value;
@@ -355,8 +354,7 @@ TEST(BigInteger, NumberTheory) {
     // pseudoprime to bases 2 and 3).
     for (long long prime : {2LL, 3LL, 997LL, 1009LL, 2147483647LL, 1000000007LL})
         EXPECT_TRUE(BigInteger(prime).isProbablePrime(50)) << prime;
-    for (long long composite : {0LL, 1LL, 4LL, 561LL, 41041LL, 1373653LL, 25326001LL,
-                                3215031751LL})
+    for (long long composite : {0LL, 1LL, 4LL, 561LL, 41041LL, 1373653LL, 25326001LL, 3215031751LL})
         EXPECT_FALSE(BigInteger(composite).isProbablePrime(50)) << composite;
     EXPECT_TRUE(BigInteger(1).shiftLeft(521).subtract(BigInteger(1)).isProbablePrime(100));
     EXPECT_FALSE(BigInteger(1).shiftLeft(523).subtract(BigInteger(1)).isProbablePrime(100));
@@ -370,7 +368,11 @@ TEST(BigInteger, ConversionsAndObjectBehaviour) {
     // Ties to even: 2^53 + 1 lies between two doubles.
     EXPECT_EQ(BigInteger(1).shiftLeft(53).add(BigInteger(1)).doubleValue(), 9007199254740992.0);
     EXPECT_EQ(BigInteger(1).shiftLeft(53).add(BigInteger(3)).doubleValue(), 9007199254740996.0);
-    EXPECT_EQ(BigInteger(1).shiftLeft(53).add(BigInteger(1)).shiftLeft(100).add(BigInteger(1))
+    EXPECT_EQ(BigInteger(1)
+                  .shiftLeft(53)
+                  .add(BigInteger(1))
+                  .shiftLeft(100)
+                  .add(BigInteger(1))
                   .doubleValue(),
               std::ldexp(9007199254740994.0, 100));
     EXPECT_EQ(BigInteger(1).shiftLeft(1024).doubleValue(), HUGE_VAL);

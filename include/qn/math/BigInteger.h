@@ -5,9 +5,10 @@
 // Representation: a sign and a magnitude of 64-bit limbs, least significant first. Products and
 // quotients of two limbs use the compiler's 128-bit integer on 64-bit targets and 32-bit halves
 // elsewhere (the 32-bit Windows build), with the same results. Multiplication goes from the
-// schoolbook method to Karatsuba and Toom-3, division from Knuth's algorithm D to a recursive
-// divide-and-conquer division, and text conversion in a radix that is not a power of two splits
-// the number in halves, at thresholds measured by bench/math_bench.
+// schoolbook method to Karatsuba, Toom-3 and number-theoretic transforms, division from Knuth's
+// algorithm D to a recursive divide-and-conquer division, and text conversion in a radix that is
+// not a power of two splits the number in halves, at measured thresholds. modPow with an odd
+// modulus works in Montgomery form with a sliding window.
 //
 // Semantics are Java's:
 //  - divide truncates toward zero and remainder takes the dividend's sign, so
@@ -22,8 +23,9 @@
 //  - MathInvalidOpException: an operation undefined on its arguments: a negative exponent in
 //    pow, a modulus that is not positive (mod, modPow, modInverse), modInverse of a number with
 //    no inverse, sqrt of a negative number, valueOf of NaN or an infinity;
-//  - MathOverflowException: a result beyond 2^31 - 1 bits (pow, shiftLeft, setBit), and the
-//    exact conversions int32ValueExact and int64ValueExact out of range;
+//  - MathOverflowException: a result beyond 2^31 - 1 bits (from pow, shiftLeft, setBit,
+//    multiply or parsing), and the exact conversions int32ValueExact and int64ValueExact out
+//    of range;
 //  - CastFailedException: malformed text (empty, a stray character, a sign alone), quoted in the
 //    message; a zero-length byte array;
 //  - RangeErrorException: a radix outside 2 to 36, a negative bit index.
