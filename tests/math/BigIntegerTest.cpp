@@ -401,3 +401,34 @@ TEST(BigInteger, ConversionsAndObjectBehaviour) {
     EXPECT_EQ(narrow(copy->toString()), "123456789012345678901234567890");
     EXPECT_EQ(narrow(Class::forName(u"CQNBigInteger")->createInstance()->toString()), "0");
 }
+
+TEST(BigInteger, SmallDivisorsLargeDividendsAndSignsOfZeroQuotients) {
+    Numbers numbers(21);
+    const BigInteger a = numbers.next(40);
+    // Quotient zero: the remainder is the dividend itself, with its sign.
+    for (const BigInteger& x : {BigInteger(5), BigInteger(-5)}) {
+        const auto qr = x.divideAndRemainder(a);
+        EXPECT_EQ(qr.first.signum(), 0);
+        EXPECT_EQ(qr.second, x);
+    }
+    EXPECT_EQ(a.divide(BigInteger(1)), a);
+    EXPECT_EQ(a.divide(BigInteger(-1)), a.negate());
+    EXPECT_EQ(a.remainder(a.negate()).signum(), 0);
+    // Single-limb divisors through the reciprocal path, normalized or not.
+    for (const BigInteger& d :
+         {BigInteger(3), BigInteger(10), BigInteger(-7), BigInteger::valueOfUnsigned(UINT64_MAX),
+          BigInteger(1).shiftLeft(63).add(BigInteger(1))}) {
+        const auto qr = a.divideAndRemainder(d);
+        EXPECT_EQ(qr.first.multiply(d).add(qr.second), a);
+        EXPECT_LT(qr.second.abs().compareTo(d.abs()), 0);
+    }
+    EXPECT_EQ(narrow(big(u"-255").toString(2)), "-11111111");
+    EXPECT_EQ(narrow(BigInteger(1).shiftLeft(64).negate().toString(32)), "-g000000000000");
+    EXPECT_EQ(BigInteger(12).gcd(BigInteger()).int64Value(), 12);
+    EXPECT_TRUE(BigInteger(-7).isProbablePrime(20));
+    EXPECT_TRUE(BigInteger(9).isProbablePrime(0));
+    // Values built by different routes hash alike.
+    EXPECT_EQ(
+        big(u"-123456789abcdef0123456789", 16).hashCode(),
+        BigInteger(1).shiftLeft(96).negate().add(big(u"-23456789abcdef0123456789", 16)).hashCode());
+}
