@@ -270,6 +270,14 @@ public:
     void multiply(Limb* r, const Limb* a, const Limb* b) {
         Limb* t = m_t.get();
         const size_t n = m_n;
+#ifdef QNCL_MATH_INT128
+        if (n <= 2 * nat::thresholds.karatsuba) {
+            // r may be a or b, which the columns read to the end: the result goes to t first.
+            nat::montgomeryColumns(t, a, b, m_m, n, m_inverse, t + n);
+            std::copy(t, t + n, r);
+            return;
+        }
+#endif
         // Up to twice the Karatsuba size (2048-bit and 4096-bit moduli) the quadratic methods
         // are called directly: Karatsuba's one level gains less than its scratch space costs.
         if (n > 2 * nat::thresholds.karatsuba)

@@ -170,6 +170,13 @@ void mul(Limb* r, const Limb* a, size_t an, const Limb* b, size_t bn);
 // and r = a^2 (2n limbs); r does not overlap the operands.
 void mulBasecase(Limb* r, const Limb* a, size_t an, const Limb* b, size_t bn);
 void sqrBasecase(Limb* r, const Limb* a, size_t n);
+#ifdef QNCL_MATH_INT128
+// Montgomery multiplication by columns: r = a b B^-n mod m for n-limb a and b below the odd m,
+// inverse = -m^-1 mod B, u scratch of n limbs. Each column's products are summed in registers,
+// so every limb of r is stored once; a == b squares with half the products.
+void montgomeryColumns(Limb* r, const Limb* a, const Limb* b, const Limb* m, size_t n, Limb inverse,
+                       Limb* u);
+#endif
 // r = a * b by number-theoretic transforms, for large operands; same rules as mul.
 void mulNtt(Limb* r, const Limb* a, size_t an, const Limb* b, size_t bn);
 // Vector forms over normalized operands; zero is the empty vector.

@@ -278,6 +278,64 @@ void sqrBasecase(Limb* r, const Limb* a, size_t n) {
     }
 }
 
+#ifdef QNCL_MATH_INT128
+void montgomeryColumns(Limb* r, const Limb* a, const Limb* b, const Limb* m, size_t n, Limb inverse,
+                       Limb* u) {
+    // A three-limb accumulator: low holds limbs 0 and 1, top limb 2.
+    Wide low = 0;
+    Limb top = 0;
+    const bool square = a == b;
+    for (size_t k = 0; k + 1 < 2 * n; ++k) {
+        const size_t first = k < n ? 0 : k - n + 1;
+        if (square) {
+            // The products a[j] a[k - j] with j < k - j once, doubled, then the square.
+            Wide half = 0;
+            Limb halfTop = 0;
+            for (size_t j = first; j < k - j; ++j) {
+                const Wide p = static_cast<Wide>(a[j]) * a[k - j];
+                half += p;
+                halfTop += half < p;
+            }
+            halfTop = (halfTop << 1) | static_cast<Limb>(half >> 127);
+            half <<= 1;
+            if (!(k & 1)) {
+                const Wide p = static_cast<Wide>(a[k / 2]) * a[k / 2];
+                half += p;
+                halfTop += half < p;
+            }
+            low += half;
+            top += halfTop + (low < half);
+        } else {
+            for (size_t j = first; j <= k && j < n; ++j) {
+                const Wide p = static_cast<Wide>(a[j]) * b[k - j];
+                low += p;
+                top += low < p;
+            }
+        }
+        // The reduction's products for this column, with the multipliers found so far.
+        for (size_t j = first; j < k && j < n; ++j) {
+            const Wide p = static_cast<Wide>(u[j]) * m[k - j];
+            low += p;
+            top += low < p;
+        }
+        if (k < n) {
+            // The multiplier that clears this column's low limb.
+            u[k] = static_cast<Limb>(low) * inverse;
+            const Wide p = static_cast<Wide>(u[k]) * m[0];
+            low += p;
+            top += low < p;
+        } else {
+            r[k - n] = static_cast<Limb>(low);
+        }
+        low = (low >> 64) | (static_cast<Wide>(top) << 64);
+        top = 0;
+    }
+    r[n - 1] = static_cast<Limb>(low);
+    if (static_cast<Limb>(low >> 64) || compare(r, m, n) >= 0)
+        subN(r, r, m, n);
+}
+#endif
+
 namespace {
 
 void mulDispatch(Limb* r, const Limb* a, size_t an, const Limb* b, size_t bn);
