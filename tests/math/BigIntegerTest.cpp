@@ -432,3 +432,24 @@ TEST(BigInteger, SmallDivisorsLargeDividendsAndSignsOfZeroQuotients) {
         big(u"-123456789abcdef0123456789", 16).hashCode(),
         BigInteger(1).shiftLeft(96).negate().add(big(u"-23456789abcdef0123456789", 16)).hashCode());
 }
+
+TEST(BigInteger, ModPowAgreesWithPlainArithmeticAcrossModulusSizes) {
+    Numbers numbers(23);
+    // Odd moduli of 1 to 70 limbs: Montgomery by columns up to 64 limbs, by rows above; an even
+    // modulus by division.
+    for (int limbs : {1, 2, 31, 32, 33, 64, 65, 70}) {
+        for (bool odd : {true, false}) {
+            BigInteger m = numbers.next(limbs, false);
+            m = odd ? m.setBit(0) : m.clearBit(0).setBit(1);
+            const BigInteger base = numbers.next(limbs + 1);
+            const BigInteger exponent = numbers.next(1, false);
+            BigInteger expected(1);
+            for (int32_t i = exponent.bitLength() - 1; i >= 0; --i) {
+                expected = expected.multiply(expected).mod(m);
+                if (exponent.testBit(i))
+                    expected = expected.multiply(base).mod(m);
+            }
+            EXPECT_EQ(base.modPow(exponent, m), expected) << limbs << (odd ? " odd" : " even");
+        }
+    }
+}
