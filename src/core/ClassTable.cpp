@@ -23,6 +23,7 @@
 #include "qn/io/NullOutputStream.h"
 #include "qn/io/StdioInputStream.h"
 #include "qn/io/StdioOutputStream.h"
+#include "qn/math/BigDecimal.h"
 #include "qn/sync/Event.h"
 #include "qn/sync/FakeMutex.h"
 #include "qn/sync/Gate.h"
@@ -83,6 +84,8 @@ void registerBuiltinClasses() {
         row<AbstractByteBuffer>(u"CQNAbstractByteBuffer"),
         row<AbstractCharBuffer>(u"CQNAbstractCharBuffer"),
         rowMade<coll::ArrayList>(u"CQNArrayList"),
+        rowMade<math::BigDecimal>(u"CQNBigDecimal"),
+        rowMade<math::BigInteger>(u"CQNBigInteger"),
         row<charset::BTCSingleByte>(u"CQNBTCSingleByte"),
         row<charset::BTCSingleByteTable>(u"CQNBTCSingleByteTable"),
         row<io::BufferedInputStream>(u"CQNBufferedInputStream"),

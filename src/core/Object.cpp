@@ -4,6 +4,7 @@
 #include "qn/core/CopyObject.h"
 #include "qn/core/Exception.h"
 #include "qn/core/String.h"
+#include "qn/math/BigInteger.h"
 
 namespace qn {
 
@@ -54,28 +55,15 @@ uint32_t Object::hashCode() const {
 }
 
 String Object::toString() const {
-    const char16_t* name = u"Object";
+    String text(u"Object");
     try {
-        name = getClass()->getName();
+        text = String(getClass()->getName());
     } catch (...) {
         // An unregistered class prints as a plain Object.
     }
-    char16_t text[256];
-    int32_t n = 0;
-    for (; name[n] && n < 200; ++n)
-        text[n] = name[n];
-    text[n++] = u'@';
-    // Base 16, lower-case digits, no leading zeros.
-    uintptr_t address = reinterpret_cast<uintptr_t>(this);
-    char16_t digits[2 * sizeof(uintptr_t)];
-    int32_t count = 0;
-    do {
-        digits[count++] = u"0123456789abcdef"[address & 0xF];
-        address >>= 4;
-    } while (address);
-    while (count)
-        text[n++] = digits[--count];
-    return String(text, n);
+    text.append(u'@');
+    const auto address = static_cast<uint64_t>(reinterpret_cast<uintptr_t>(this));
+    return text.append(math::BigInteger::valueOfUnsigned(address).toString(16));
 }
 
 QNRESULT QN_STDCALL Object::CompareTo(IQNUnknown* other, int32_t* result) {

@@ -6,6 +6,7 @@
 
 #include <gtest/gtest.h>
 
+#include <cstring>
 #include <string>
 
 using namespace qn;
@@ -148,14 +149,15 @@ TEST(Object, CloneIsRefusedWithEmptyMessage) {
 TEST(Object, ToStringNamesClassAndHexAddress) {
     Reference<Object> registered(new Object);
     Reference<Unregistered> unregistered(new Unregistered);
-    char hex[32];
-    std::snprintf(hex, sizeof hex, "%llx",
-                  static_cast<unsigned long long>(reinterpret_cast<uintptr_t>(unregistered.get())));
-    std::u16string expected = u"Object@";
-    for (const char* p = hex; *p; ++p)
-        expected += static_cast<char16_t>(*p);
-    EXPECT_EQ(textOf(unregistered->toString()), expected);
-    EXPECT_EQ(textOf(registered->toString()).rfind(u"CQNObject@", 0), 0u);
+    // Lower-case base 16 without leading zeros, the whole width of the address.
+    auto hexOf = [](const void* address) {
+        char hex[32];
+        std::snprintf(hex, sizeof hex, "%llx",
+                      static_cast<unsigned long long>(reinterpret_cast<uintptr_t>(address)));
+        return std::u16string(hex, hex + std::strlen(hex));
+    };
+    EXPECT_EQ(textOf(unregistered->toString()), u"Object@" + hexOf(unregistered.get()));
+    EXPECT_EQ(textOf(registered->toString()), u"CQNObject@" + hexOf(registered.get()));
     EXPECT_THROW(unregistered->getClass(), ClassNotFoundException);
 }
 

@@ -1,0 +1,192 @@
+// Multiplication of large numbers by number-theoretic transforms: the limbs' convolution is
+// computed modulo three primes k 2^s + 1 below 2^62 (each with roots of unity of every power
+// of two up to 2^55), and rebuilt by the Chinese remainder theorem. A convolution coefficient
+// is below n 2^128, far below the primes' product (about 2^184), so it is exact.
+// Arithmetic modulo each prime is Montgomery's with R = 2^64.
+#include "math/Natural.h"
+
+#include <algorithm>
+
+namespace qn::math::nat {
+
+namespace {
+
+class Field {
+public:
+    Field(Limb p, Limb generator) : m_p(p) {
+        // -p^-1 mod 2^64 by Newton's iteration.
+        Limb x = p;
+        for (int i = 0; i < 6; ++i)
+            x *= 2 - p * x;
+        m_negInverse = ~x + 1;
+        Limb r;
+        divWide(1, 0, p, r);
+        m_r = r; // R mod p
+        Limb high;
+        const Limb low = mulWide(r, r, high);
+        divWide(high, low, p, m_r2); // R^2 mod p
+        m_generator = enter(generator);
+    }
+
+    Limb p() const { return m_p; }
+    // a b R^-1 mod p for a, b < p.
+    Limb mul(Limb a, Limb b) const {
+        Limb high;
+        const Limb low = mulWide(a, b, high);
+        Limb mh;
+        mulWide(low * m_negInverse, m_p, mh);
+        Limb t = high + mh + (low != 0);
+        return t >= m_p ? t - m_p : t;
+    }
+    Limb add(Limb a, Limb b) const {
+        const Limb s = a + b;
+        return s >= m_p ? s - m_p : s;
+    }
+    Limb sub(Limb a, Limb b) const { return a >= b ? a - b : a + m_p - b; }
+    // x R mod p: the Montgomery form of x.
+    Limb enter(Limb x) const { return mul(x % m_p, m_r2); }
+    // base^e for base in Montgomery form, the result in Montgomery form.
+    Limb pow(Limb base, Limb e) const {
+        Limb result = m_r;
+        for (; e; e >>= 1) {
+            if (e & 1)
+                result = mul(result, base);
+            base = mul(base, base);
+        }
+        return result;
+    }
+    Limb inverse(Limb montgomery) const { return pow(montgomery, m_p - 2); }
+    // A primitive n-th root of unity (n a power of two), in Montgomery form.
+    Limb root(Limb n) const { return pow(m_generator, (m_p - 1) / n); }
+
+private:
+    Limb m_p;
+    Limb m_negInverse;
+    Limb m_r;
+    Limb m_r2;
+    Limb m_generator;
+};
+
+const Field& field(int i) {
+    static const Field fields[3] = {Field(29 * (Limb{1} << 57) + 1, 3),
+                                    Field(69 * (Limb{1} << 55) + 1, 5),
+                                    Field(27 * (Limb{1} << 56) + 1, 5)};
+    return fields[i];
+}
+
+// Twiddle factors: table[len + j] = w_2len^j for each half-length len, in Montgomery form.
+std::vector<Limb> twiddles(const Field& f, size_t n, bool inverse) {
+    std::vector<Limb> table(n);
+    for (size_t len = 1; len < n; len <<= 1) {
+        Limb w = f.root(2 * len);
+        if (inverse)
+            w = f.inverse(w);
+        Limb x = f.enter(1);
+        for (size_t j = 0; j < len; ++j) {
+            table[len + j] = x;
+            x = f.mul(x, w);
+        }
+    }
+    return table;
+}
+
+// Decimation in frequency: natural order in, bit-reversed order out.
+void forward(const Field& f, Limb* a, size_t n, const Limb* table) {
+    for (size_t len = n / 2; len >= 1; len >>= 1) {
+        for (size_t i = 0; i < n; i += 2 * len) {
+            Limb* x = a + i;
+            Limb* y = x + len;
+            const Limb* w = table + len;
+            for (size_t j = 0; j < len; ++j) {
+                const Limb u = x[j], v = y[j];
+                x[j] = f.add(u, v);
+                y[j] = f.mul(f.sub(u, v), w[j]);
+            }
+        }
+    }
+}
+
+// Decimation in time with the inverse roots: bit-reversed order in, natural order out
+// (times n).
+void backward(const Field& f, Limb* a, size_t n, const Limb* table) {
+    for (size_t len = 1; len < n; len <<= 1) {
+        for (size_t i = 0; i < n; i += 2 * len) {
+            Limb* x = a + i;
+            Limb* y = x + len;
+            const Limb* w = table + len;
+            for (size_t j = 0; j < len; ++j) {
+                const Limb u = x[j], v = f.mul(y[j], w[j]);
+                x[j] = f.add(u, v);
+                y[j] = f.sub(u, v);
+            }
+        }
+    }
+}
+
+// The cyclic convolution of a and b modulo one prime, in out (n values, normal form).
+void convolve(const Field& f, const Limb* a, size_t an, const Limb* b, size_t bn, bool square,
+              size_t n, Limb* out) {
+    const Limb p = f.p();
+    std::fill(out, out + n, Limb{0});
+    for (size_t i = 0; i < an; ++i)
+        out[i] = a[i] % p;
+    const std::vector<Limb> table = twiddles(f, n, false);
+    forward(f, out, n, table.data());
+    if (square) {
+        for (size_t i = 0; i < n; ++i)
+            out[i] = f.mul(out[i], out[i]);
+    } else {
+        Limbs other = allocate(n);
+        std::fill(other.get(), other.get() + n, Limb{0});
+        for (size_t i = 0; i < bn; ++i)
+            other[i] = b[i] % p;
+        forward(f, other.get(), n, table.data());
+        for (size_t i = 0; i < n; ++i)
+            out[i] = f.mul(out[i], other[i]);
+    }
+    backward(f, out, n, twiddles(f, n, true).data());
+    // The products carry R^-1 and the inverse transform a factor n: one multiplication by
+    // n^-1 R^2 (Montgomery form of n^-1 R) takes both away.
+    const Limb scale = f.enter(f.enter(p - (p - 1) / n));
+    for (size_t i = 0; i < n; ++i)
+        out[i] = f.mul(out[i], scale);
+}
+
+} // namespace
+
+void mulNtt(Limb* r, const Limb* a, size_t an, const Limb* b, size_t bn) {
+    const bool square = a == b && an == bn;
+    const size_t rn = an + bn;
+    size_t n = 1;
+    while (n < rn - 1)
+        n <<= 1;
+    Limbs residues[3] = {allocate(n), allocate(n), allocate(n)};
+    for (int i = 0; i < 3; ++i)
+        convolve(field(i), a, an, b, bn, square, n, residues[i].get());
+
+    // Garner: x = v1 + p1 v2 + p1 p2 v3.
+    const Field &f1 = field(0), &f2 = field(1), &f3 = field(2);
+    const Limb p1 = f1.p(), p2 = f2.p();
+    const Limb inv12 = f2.inverse(f2.enter(p1));
+    const Limb inv13 = f3.inverse(f3.enter(p1));
+    const Limb inv23 = f3.inverse(f3.enter(p2));
+    Limb p12[2];
+    p12[0] = mulWide(p1, p2, p12[1]);
+    std::fill(r, r + rn, Limb{0});
+    for (size_t k = 0; k + 1 < rn; ++k) {
+        const Limb r1 = residues[0][k], r2 = residues[1][k], r3 = residues[2][k];
+        const Limb v2 = f2.mul(f2.sub(r2, r1 % p2), inv12);
+        Limb t = f3.mul(f3.sub(r3, r1 % f3.p()), inv13);
+        const Limb v3 = f3.mul(f3.sub(t, v2 % f3.p()), inv23);
+        Limb x[4];
+        x[2] = mul1(x, p12, 2, v3);
+        x[3] = 0;
+        Limb pv[2];
+        pv[0] = mulWide(p1, v2, pv[1]);
+        add(x, x, 4, pv, 2);
+        add1(x, x, 4, r1);
+        add(r + k, r + k, rn - k, x, std::min<size_t>(4, rn - k));
+    }
+}
+
+} // namespace qn::math::nat
