@@ -6,10 +6,18 @@
 #include <charconv>
 #include <string>
 #include <type_traits>
+#include <typeinfo>
 
 namespace qn {
 
 namespace {
+
+// other as the boxed number class Name, or null. The classes are final, so comparing the dynamic
+// type is the whole test, and far cheaper than dynamic_cast's walk of the class tree.
+template <class Name> const Name* asExactly(const Object& other) {
+    static_assert(std::is_final_v<Name>, "only a final class is known by its dynamic type");
+    return typeid(other) == typeid(Name) ? static_cast<const Name*>(&other) : nullptr;
+}
 
 // An error message: a fixed part, then what it is about, with the text quoted and cut short.
 class Message {
@@ -363,7 +371,7 @@ UnsignedInteger::~UnsignedInteger() = default;
         return Reference<Object>(new Name(*this));                                                 \
     }                                                                                              \
     int32_t Name::compareTo(const Object& other) const {                                           \
-        const auto* that = dynamic_cast<const Name*>(&other);                                      \
+        const auto* that = asExactly<Name>(other);                                                 \
         if (!that)                                                                                 \
             throwOtherClass(u"" #Name);                                                            \
         return compare(m_value, that->m_value);                                                    \
@@ -379,7 +387,7 @@ UnsignedInteger::~UnsignedInteger() = default;
     constexpr Name::ValueType Name::MAX_VALUE;                                                     \
     QN_NUMBER_MEMBERS(Name)                                                                        \
     bool Name::equals(const Object& other) const {                                                 \
-        const auto* that = dynamic_cast<const Name*>(&other);                                      \
+        const auto* that = asExactly<Name>(other);                                                 \
         return that && that->m_value == m_value;                                                   \
     }                                                                                              \
     uint32_t Name::hashCode() const {                                                              \
@@ -416,7 +424,7 @@ QN_INTEGER_MEMBERS(UInteger64)
     constexpr Name::ValueType Name::NaN;                                                           \
     QN_NUMBER_MEMBERS(Name)                                                                        \
     bool Name::equals(const Object& other) const {                                                 \
-        const auto* that = dynamic_cast<const Name*>(&other);                                      \
+        const auto* that = asExactly<Name>(other);                                                 \
         return that && canonicalBits(that->m_value) == canonicalBits(m_value);                     \
     }                                                                                              \
     uint32_t Name::hashCode() const {                                                              \

@@ -6,6 +6,11 @@
 #include "qn/core/String.h"
 #include "qn/math/BigInteger.h"
 
+#include <atomic>
+#include <cstddef>
+#include <cstdint>
+#include <typeinfo>
+
 namespace qn {
 
 namespace {
@@ -13,6 +18,63 @@ namespace {
 int32_t compareAddresses(uintptr_t a, uintptr_t b) {
     return a > b ? 1 : a < b ? -1 : 0;
 }
+
+// Finding the Object behind an interface pointer with dynamic_cast walks the whole class tree
+// (the interface is an ambiguous base, and types are compared by name across modules), which
+// costs a hundred nanoseconds and more. Its answer depends only on the most derived type and on
+// which subobject the pointer designates, so it is worked out once for each such pair and kept
+// here; entries are published once and never change or go away.
+class ObjectCasts {
+public:
+    const Object* find(const IQNUnknown* face) {
+        const std::type_info* type = &typeid(*face);
+        const char* top = static_cast<const char*>(dynamic_cast<const void*>(face));
+        const ptrdiff_t source = reinterpret_cast<const char*>(face) - top;
+        size_t slot = ((reinterpret_cast<uintptr_t>(type) >> 4) ^ static_cast<size_t>(source)) %
+                      SLOTS;
+        for (size_t probe = 0; probe < SLOTS; ++probe, slot = (slot + 1) % SLOTS) {
+            const Entry* entry = m_slots[slot].load(std::memory_order_acquire);
+            if (!entry)
+                return learn(face, type, source, slot);
+            if (entry->type == type && entry->source == source)
+                return entry->target == NOT_AN_OBJECT
+                           ? nullptr
+                           : reinterpret_cast<const Object*>(top + entry->target);
+        }
+        return dynamic_cast<const Object*>(face);
+    }
+
+private:
+    struct Entry {
+        const std::type_info* type;
+        ptrdiff_t source;
+        ptrdiff_t target;
+    };
+    // A power of two, so that finding a slot takes no division.
+    static constexpr size_t SLOTS = 256;
+    static constexpr ptrdiff_t NOT_AN_OBJECT = PTRDIFF_MIN;
+
+    // Another thread may take the slot first; then the pair is looked for further on next time.
+    const Object* learn(const IQNUnknown* face, const std::type_info* type, ptrdiff_t source,
+                        size_t slot) {
+        const Object* object = dynamic_cast<const Object*>(face);
+        const char* top = static_cast<const char*>(dynamic_cast<const void*>(face));
+        const ptrdiff_t target =
+            object ? reinterpret_cast<const char*>(object) - top : NOT_AN_OBJECT;
+        auto* entry = new (std::nothrow) Entry{type, source, target};
+        const Entry* empty = nullptr;
+        if (entry && !m_slots[slot].compare_exchange_strong(empty, entry,
+                                                            std::memory_order_acq_rel))
+            delete entry;
+        return object;
+    }
+
+    std::atomic<const Entry*> m_slots[SLOTS] = {};
+};
+
+// Constant-initialised and trivially destroyed, so usable from any static constructor or
+// destructor.
+ObjectCasts s_objectCasts;
 
 } // namespace
 
@@ -71,7 +133,7 @@ QNRESULT QN_STDCALL Object::CompareTo(IQNUnknown* other, int32_t* result) {
         return QN_E_POINTER;
     *result = 0;
     return translateExceptions([&] {
-        if (const auto* object = dynamic_cast<const Object*>(other)) {
+        if (const Object* object = other ? s_objectCasts.find(other) : nullptr) {
             *result = compareTo(*object);
             return;
         }

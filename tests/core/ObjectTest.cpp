@@ -135,6 +135,34 @@ TEST(Object, IdentityComparisonAndReversedComponentOrder) {
     EXPECT_EQ(low->CompareTo(&foreign, nullptr), QN_E_POINTER);
 }
 
+// CompareTo remembers how to reach the Object behind each kind of interface pointer: every
+// interface of an object, asked for a second time, must still lead to the object, and a foreign
+// component must still not.
+TEST(Object, CompareToFindsTheObjectBehindEveryInterfaceAgain) {
+    Reference<WithInterface> a(new WithInterface), b(new WithInterface);
+    WithInterface* low = a.get() < b.get() ? a.get() : b.get();
+    WithInterface* high = low == a.get() ? b.get() : a.get();
+    Foreign foreign;
+    const int32_t foreignOrder =
+        reinterpret_cast<uintptr_t>(&foreign) > reinterpret_cast<uintptr_t>(low) ? 1 : -1;
+    IQNUnknown* const faces[] = {high->GetUnknown(), static_cast<IQNComparable*>(high),
+                                 static_cast<ITest*>(high)};
+    for (int round = 0; round < 2; ++round) {
+        for (IQNUnknown* face : faces) {
+            int32_t result = 7;
+            EXPECT_EQ(low->CompareTo(face, &result), QN_S_OK);
+            EXPECT_EQ(result, -1);
+            EXPECT_EQ(high->CompareTo(face, &result), QN_S_OK);
+            EXPECT_EQ(result, 0);
+        }
+        int32_t result = 7;
+        EXPECT_EQ(low->CompareTo(&foreign, &result), QN_S_OK);
+        EXPECT_EQ(result, foreignOrder);
+        EXPECT_EQ(low->CompareTo(nullptr, &result), QN_S_OK);
+        EXPECT_EQ(result, -1);
+    }
+}
+
 TEST(Object, CloneIsRefusedWithEmptyMessage) {
     Reference<Object> object(new Object);
     try {
