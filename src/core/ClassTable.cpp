@@ -20,7 +20,9 @@
 #include "qn/io/ByteArrayOutputStream.h"
 #include "qn/io/DataInputStream.h"
 #include "qn/io/DataOutputStream.h"
+#include "qn/io/InputStreamReader.h"
 #include "qn/io/NullOutputStream.h"
+#include "qn/io/OutputStreamWriter.h"
 #include "qn/io/StdioInputStream.h"
 #include "qn/io/StdioOutputStream.h"
 #include "qn/sync/Event.h"
@@ -113,6 +115,7 @@ void registerBuiltinClasses() {
         rowMade<sync::Gate>(u"CQNGate"),
         rowMade<coll::HashMap>(u"CQNHashMap"),
         row<io::InputStream>(u"CQNInputStream"),
+        row<io::InputStreamReader>(u"CQNInputStreamReader"),
         row<Integer16>(u"CQNInteger16"),
         row<Integer32>(u"CQNInteger32"),
         row<Integer64>(u"CQNInteger64"),
@@ -130,6 +133,8 @@ void registerBuiltinClasses() {
         row<Number>(u"CQNNumber"),
         rowMade<Object>(u"CQNObject"),
         row<io::OutputStream>(u"CQNOutputStream"),
+        row<io::OutputStreamWriter>(u"CQNOutputStreamWriter"),
+        row<io::Reader>(u"CQNReader"),
         rowMade<ROByteBuffer>(u"CQNROByteBuffer"),
         rowMade<ROCharBuffer>(u"CQNROCharBuffer"),
         row<exec::IRunnable>(u"CQNRunnable"),
@@ -149,6 +154,7 @@ void registerBuiltinClasses() {
         row<UInteger64>(u"CQNUInteger64"),
         row<UInteger8>(u"CQNUInteger8"),
         row<UnsignedInteger>(u"CQNUnsignedInteger"),
+        row<io::Writer>(u"CQNWriter"),
         row<AccessViolationException>(u"qn::AccessViolationException"),
         row<ArrayBoundsException>(u"qn::ArrayBoundsException"),
         rowMade<CastFailedException>(u"qn::CastFailedException"),
