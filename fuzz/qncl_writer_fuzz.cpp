@@ -77,8 +77,12 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* input, size_t size) {
     try {
         size_t at = 0;
         for (size_t step = 0; at < text.size(); ++step) {
-            const size_t n =
-                std::min(text.size() - at, count ? static_cast<size_t>(splits[step % count]) : 9);
+            size_t n = count ? static_cast<size_t>(splits[step % count]) % 48 : 9;
+            if (n == 0) {
+                writer->write(text.data() + at, 0); // writes nothing; then one character
+                n = 1;
+            }
+            n = std::min(n, text.size() - at);
             writer->write(text.data() + at, static_cast<long>(n));
             at += n;
         }
