@@ -16,13 +16,22 @@
 #include "qn/exec/Thread.h"
 #include "qn/io/BufferedInputStream.h"
 #include "qn/io/BufferedOutputStream.h"
+#include "qn/io/BufferedReader.h"
+#include "qn/io/BufferedWriter.h"
 #include "qn/io/ByteArrayInputStream.h"
 #include "qn/io/ByteArrayOutputStream.h"
 #include "qn/io/DataInputStream.h"
 #include "qn/io/DataOutputStream.h"
+#include "qn/io/FilterReader.h"
+#include "qn/io/FilterWriter.h"
+#include "qn/io/InputStreamReader.h"
 #include "qn/io/NullOutputStream.h"
+#include "qn/io/NullWriter.h"
+#include "qn/io/OutputStreamWriter.h"
+#include "qn/io/PrintWriter.h"
 #include "qn/io/StdioInputStream.h"
 #include "qn/io/StdioOutputStream.h"
+#include "qn/io/StringWriter.h"
 #include "qn/math/BigDecimal.h"
 #include "qn/sync/Event.h"
 #include "qn/sync/FakeMutex.h"
@@ -90,6 +99,8 @@ void registerBuiltinClasses() {
         row<charset::BTCSingleByteTable>(u"CQNBTCSingleByteTable"),
         row<io::BufferedInputStream>(u"CQNBufferedInputStream"),
         row<io::BufferedOutputStream>(u"CQNBufferedOutputStream"),
+        row<io::BufferedReader>(u"CQNBufferedReader"),
+        row<io::BufferedWriter>(u"CQNBufferedWriter"),
         row<io::ByteArrayInputStream>(u"CQNByteArrayInputStream"),
         rowMade<io::ByteArrayOutputStream>(u"CQNByteArrayOutputStream"),
         row<charset::ByteToCharConverter>(u"CQNByteToCharConverter"),
@@ -112,10 +123,13 @@ void registerBuiltinClasses() {
         row<FilePath>(u"CQNFilePath"),
         row<io::FilterInputStream>(u"CQNFilterInputStream"),
         row<io::FilterOutputStream>(u"CQNFilterOutputStream"),
+        row<io::FilterReader>(u"CQNFilterReader"),
+        row<io::FilterWriter>(u"CQNFilterWriter"),
         row<Float>(u"CQNFloat"),
         rowMade<sync::Gate>(u"CQNGate"),
         rowMade<coll::HashMap>(u"CQNHashMap"),
         row<io::InputStream>(u"CQNInputStream"),
+        row<io::InputStreamReader>(u"CQNInputStreamReader"),
         row<Integer16>(u"CQNInteger16"),
         row<Integer32>(u"CQNInteger32"),
         row<Integer64>(u"CQNInteger64"),
@@ -130,9 +144,13 @@ void registerBuiltinClasses() {
         rowMade<MTCharBuffer>(u"CQNMTCharBuffer"),
         rowMade<sync::Mutex>(u"CQNMutex"),
         rowMade<io::NullOutputStream>(u"CQNNullOutputStream"),
+        rowMade<io::NullWriter>(u"CQNNullWriter"),
         row<Number>(u"CQNNumber"),
         rowMade<Object>(u"CQNObject"),
         row<io::OutputStream>(u"CQNOutputStream"),
+        row<io::OutputStreamWriter>(u"CQNOutputStreamWriter"),
+        row<io::PrintWriter>(u"CQNPrintWriter"),
+        row<io::Reader>(u"CQNReader"),
         rowMade<ROByteBuffer>(u"CQNROByteBuffer"),
         rowMade<ROCharBuffer>(u"CQNROCharBuffer"),
         row<exec::IRunnable>(u"CQNRunnable"),
@@ -145,6 +163,7 @@ void registerBuiltinClasses() {
         rowMade<io::StdioInputStream>(u"CQNStdioInputStream"),
         rowMade<io::StdioOutputStream>(u"CQNStdioOutputStream"),
         rowMade<String>(u"CQNString"),
+        rowMade<io::StringWriter>(u"CQNStringWriter"),
         row<sync::Object>(u"CQNSyncObject"),
         row<exec::Thread>(u"CQNThread"),
         row<UInteger16>(u"CQNUInteger16"),
@@ -152,6 +171,7 @@ void registerBuiltinClasses() {
         row<UInteger64>(u"CQNUInteger64"),
         row<UInteger8>(u"CQNUInteger8"),
         row<UnsignedInteger>(u"CQNUnsignedInteger"),
+        row<io::Writer>(u"CQNWriter"),
         row<AccessViolationException>(u"qn::AccessViolationException"),
         row<ArrayBoundsException>(u"qn::ArrayBoundsException"),
         rowMade<CastFailedException>(u"qn::CastFailedException"),

@@ -86,4 +86,13 @@ void ByteArrayOutputStream::writeTo(OutputStream* out) const {
     checkStream(out)->write(m_buffer.get(), m_count);
 }
 
+String ByteArrayOutputStream::toString() const {
+    return toString(nullptr);
+}
+
+String ByteArrayOutputStream::toString(const char16_t* encoding) const {
+    return String(reinterpret_cast<const char*>(m_buffer.get()), static_cast<int32_t>(m_count),
+                  encoding);
+}
+
 } // namespace qn::io

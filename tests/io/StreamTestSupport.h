@@ -213,3 +213,62 @@ private:
 };
 
 } // namespace qntest
+
+#include "qn/io/Reader.h"
+#include "qn/io/Writer.h"
+
+namespace qntest {
+
+// The reader counterpart of ScriptedInputStream: hands out a text in the pieces of a script.
+class ScriptedReader : public qn::io::Reader {
+public:
+    ScriptedReader(std::u16string text, std::vector<long> script = {})
+        : m_text(std::move(text)), m_script(std::move(script)) {}
+    using qn::io::Reader::read;
+    long read(char16_t* buf, long len) override {
+        ++reads;
+        long n = len;
+        if (m_step < m_script.size())
+            n = std::min(n, m_script[m_step++]);
+        if (m_pos >= m_text.size() && n > 0)
+            return -1;
+        n = std::min<long>(n, static_cast<long>(m_text.size() - m_pos));
+        m_text.copy(buf, static_cast<size_t>(n), m_pos);
+        m_pos += static_cast<size_t>(n);
+        return n;
+    }
+    long available() override { return static_cast<long>(m_text.size() - m_pos); }
+    void close() override { ++closes; }
+
+    int reads = 0;
+    int closes = 0;
+
+private:
+    std::u16string m_text;
+    std::vector<long> m_script;
+    size_t m_step = 0;
+    size_t m_pos = 0;
+};
+
+// Records every array write's length and the text, and counts flushes and closes.
+class RecordingWriter : public qn::io::Writer {
+public:
+    using qn::io::Writer::write;
+    void write(const char16_t* buf, long len) override {
+        calls.push_back(len);
+        text.append(buf, static_cast<size_t>(len));
+    }
+    void flush() override {
+        ++flushes;
+        flushedAt.push_back(text.size());
+    }
+    void close() override { ++closes; }
+
+    std::vector<long> calls;
+    std::u16string text;
+    std::vector<size_t> flushedAt; // the text's length at each flush
+    int flushes = 0;
+    int closes = 0;
+};
+
+} // namespace qntest

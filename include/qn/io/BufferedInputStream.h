@@ -15,6 +15,8 @@
 
 namespace qn::io {
 
+template <class T> struct MarkedBuffer;
+
 class QNCL_API BufferedInputStream : public InputStream {
 public:
     // size of 16 or less gives 16. in must not be null: ResultException 0x80004003.
@@ -39,7 +41,7 @@ public:
 
 private:
     void checkOpen() const;
-    void fillBuffer();
+    MarkedBuffer<signed char> state();
     // read() once the buffer is used up, kept apart so that the common case stays small.
     int readAfterFill();
 

@@ -2,6 +2,7 @@
 // quarter more than the size needed, so that a run of small writes copies rarely.
 #pragma once
 
+#include "qn/core/String.h"
 #include "qn/io/OutputStream.h"
 
 #include <memory>
@@ -27,6 +28,13 @@ public:
     long getBytes(signed char* buf, long size) const;
     // Writes every written byte to out.
     void writeTo(OutputStream* out) const;
+
+    // The written bytes decoded with the process's default encoding, or with the encoding named
+    // (any name, alias or code page the converters know; null: the default). Unknown names
+    // throw UnknownEncodingException; undecodable bytes fail or are substituted as String's
+    // construction from bytes does.
+    String toString() const override;
+    String toString(const char16_t* encoding) const;
 
     long size() const { return m_count; }
     long getCapacity() const { return m_capacity; }

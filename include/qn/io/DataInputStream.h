@@ -1,8 +1,12 @@
-// DataInputStream: reads fixed-width numbers in big-endian (network) byte order. The bytes of a
-// value are read with the wrapped stream's array read, at most one read per byte (one in all,
-// as a rule), never with its read(): BufferedInputStream::read() sign-extends, and a byte 0xFF
-// would end the value there. When those reads do not deliver the whole value, it throws
-// UnexpectedEOFException (no message); the bytes read up to there are consumed.
+// DataInputStream: reads fixed-width numbers in big-endian (network) byte order. Each byte of
+// a value is read with the wrapped stream's single-byte read(), and a negative result means the
+// end of the stream: all bytes of the value are read, then UnexpectedEOFException (no message)
+// is thrown if any was negative; the bytes read up to there are consumed.
+//
+// Wrap a stream whose read() returns 0-255 (InputStream's own read(), ByteArrayInputStream,
+// FileInputStream). Over a BufferedInputStream, whose read() sign-extends, every byte 0x80-0xFF
+// reads as the end of the stream, so a value with such a byte throws UnexpectedEOFException
+// although the stream has not ended. readFully uses the array read and is not affected.
 //
 // readInt64 is the high word shifted left 32, or-ed with the low word sign-extended: when bit 31
 // of the low word is set the high word reads as all ones (00 00 00 00 80 00 00 00 reads as

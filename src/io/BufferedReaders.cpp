@@ -1,0 +1,164 @@
+#include "qn/io/BufferedReader.h"
+#include "qn/io/BufferedWriter.h"
+
+#include "StreamSupport.h"
+
+namespace qn::io {
+
+namespace {
+constexpr long MIN_BUFFER = 16;
+}
+
+BufferedReader::BufferedReader(Reader* in, long size)
+    : m_in(checkStream(in)), m_size(std::max(size, MIN_BUFFER)), m_buffer(new char16_t[m_size]) {}
+
+BufferedReader::~BufferedReader() = default;
+
+void BufferedReader::checkOpen() const {
+    if (!m_buffer)
+        throw IoException(u"stream closed");
+}
+
+MarkedBuffer<char16_t> BufferedReader::state() {
+    return {m_buffer, m_size, m_pos, m_count, m_markLimit, m_markPos};
+}
+
+int BufferedReader::read() {
+    // A closed reader holds no characters (close empties it), so the common case needs one test.
+    if (m_pos < m_count)
+        return m_buffer[m_pos++];
+    return readAfterFill();
+}
+
+int BufferedReader::readAfterFill() {
+    checkOpen();
+    state().fill(*m_in);
+    return m_pos < m_count ? m_buffer[m_pos++] : -1;
+}
+
+long BufferedReader::read(char16_t* buf, long len) {
+    checkOpen();
+    if (len < 1)
+        return 0;
+    checkBuffer(buf, len);
+    return state().read(*m_in, buf, len);
+}
+
+long BufferedReader::skip(long n) {
+    checkOpen();
+    return state().skip(*m_in, n);
+}
+
+long BufferedReader::available() {
+    checkOpen();
+    return m_in->available() + (m_count - m_pos);
+}
+
+void BufferedReader::close() {
+    m_buffer.reset();
+    m_pos = m_count = 0;
+    m_in->close();
+}
+
+bool BufferedReader::markSupported() {
+    return true;
+}
+
+void BufferedReader::mark(long readLimit) {
+    checkOpen();
+    m_markLimit = readLimit;
+    m_markPos = m_pos;
+}
+
+void BufferedReader::reset() {
+    checkOpen();
+    state().reset();
+}
+
+long BufferedReader::readLine(String& line) {
+    checkOpen();
+    line.clear();
+    long total = 0;
+    for (;;) {
+        if (m_pos >= m_count) {
+            state().fill(*m_in);
+            if (m_pos >= m_count)
+                return total > 0 ? total : -1;
+        }
+        const char16_t* const start = m_buffer.get() + m_pos;
+        const char16_t* const end = m_buffer.get() + m_count;
+        const char16_t* p = start;
+        // Both terminators are below 0x0E, so most characters cost one comparison.
+        while (p < end && (*p > u'\r' || (*p != u'\n' && *p != u'\r')))
+            ++p;
+        const long n = static_cast<long>(p - start);
+        if (n > 0) {
+            line.append(start, static_cast<int32_t>(n));
+            total += n;
+            m_pos += n;
+        }
+        if (p < end)
+            break;
+    }
+    if (m_buffer[m_pos++] == u'\r') {
+        if (m_pos >= m_count)
+            state().fill(*m_in);
+        if (m_pos < m_count && m_buffer[m_pos] == u'\n')
+            ++m_pos;
+    }
+    return total;
+}
+
+BufferedWriter::BufferedWriter(Writer* out, long size)
+    : m_out(checkStream(out)), m_size(std::max(size, MIN_BUFFER)), m_buffer(new char16_t[m_size]) {}
+
+BufferedWriter::~BufferedWriter() = default;
+
+void BufferedWriter::checkOpen() const {
+    if (!m_buffer)
+        throw IoException(u"stream closed");
+}
+
+void BufferedWriter::writeBuffered() {
+    if (m_count > 0) {
+        m_out->write(m_buffer.get(), m_count);
+        m_count = 0;
+    }
+}
+
+void BufferedWriter::write(const char16_t* buf, long len) {
+    checkOpen();
+    if (len < 1)
+        return;
+    checkBuffer(buf, len);
+    if (len >= m_size) {
+        writeBuffered();
+        m_out->write(buf, len);
+        return;
+    }
+    if (m_count + len > m_size)
+        writeBuffered();
+    std::memcpy(m_buffer.get() + m_count, buf, static_cast<size_t>(len) * sizeof(char16_t));
+    m_count += len;
+}
+
+void BufferedWriter::write(char16_t c) {
+    checkOpen();
+    if (m_count >= m_size)
+        writeBuffered();
+    m_buffer[m_count++] = c;
+}
+
+void BufferedWriter::flush() {
+    checkOpen();
+    writeBuffered();
+    m_out->flush();
+}
+
+void BufferedWriter::close() {
+    m_buffer.reset();
+    m_count = 0;
+    m_out->close();
+}
+
+} // namespace qn::io
