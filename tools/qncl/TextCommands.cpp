@@ -35,6 +35,14 @@ constexpr long CHAR_CHUNK = 4 * BYTE_CHUNK;
 // Room for what one chunk of characters encodes to, in the same spirit.
 constexpr long OUT_CHUNK = 4 * BYTE_CHUNK;
 
+bool isHighSurrogate(char16_t c) {
+    return c >= 0xD800 && c <= 0xDBFF;
+}
+
+bool isLowSurrogate(char16_t c) {
+    return c >= 0xDC00 && c <= 0xDFFF;
+}
+
 bool isDataFault(const qn::Exception& e) {
     return dynamic_cast<const qn::text::charset::InvalidCharacterException*>(&e) ||
            dynamic_cast<const qn::text::charset::UnmappableCharacterException*>(&e);
@@ -180,7 +188,13 @@ private:
                     throw;
                 m_output.write(reinterpret_cast<unsigned char*>(m_out.get()),
                                static_cast<size_t>(outPos));
-                throw ConversionFailure(encodingMessage(describe(e), m_charOffset + inPos));
+                // An encoder holding a high surrogate fails at the unit after it; the fault is
+                // the surrogate's.
+                long long at = m_charOffset + inPos;
+                const char16_t previous = inPos > 0 ? chars[inPos - 1] : m_lastChar;
+                if (isHighSurrogate(previous) && (inPos == count || !isLowSurrogate(chars[inPos])))
+                    --at;
+                throw ConversionFailure(encodingMessage(describe(e), at));
             }
             m_output.write(reinterpret_cast<unsigned char*>(m_out.get()),
                            static_cast<size_t>(outPos));
@@ -189,6 +203,8 @@ private:
                     encodingMessage("no room for one character's bytes", m_charOffset + inPos));
         }
         m_charOffset += count;
+        if (count > 0)
+            m_lastChar = chars[count - 1];
     }
 
     // Whatever the encoder still holds (a high surrogate the input ended after).
@@ -228,6 +244,7 @@ private:
     std::unique_ptr<signed char[]> m_out;
     long long m_byteOffset = 0;
     long long m_charOffset = 0;
+    char16_t m_lastChar = 0;
 };
 
 void declareConvert(CommandLineParser& parser) {
