@@ -2,7 +2,6 @@
 // names the codec manager and the encoding-information table know.
 #include "ByteFiles.h"
 
-#include "qn/io/FileInputStream.h"
 #include "qn/text/charset/ByteToCharConverter.h"
 #include "qn/text/charset/CharToByteConverter.h"
 #include "qn/text/charset/CodecManager.h"
@@ -11,12 +10,6 @@
 #include <cstring>
 #include <memory>
 #include <vector>
-
-#if defined(_WIN32)
-#include <fcntl.h>
-#include <io.h>
-#include <windows.h>
-#endif
 
 namespace qncl {
 
@@ -54,58 +47,6 @@ public:
     explicit ConversionFailure(const std::string& message) : qn::Exception(wide(message)) {}
 };
 
-QNFILE standardInput() {
-#if defined(_WIN32)
-    _setmode(_fileno(stdin), _O_BINARY);
-    return reinterpret_cast<QNFILE>(GetStdHandle(STD_INPUT_HANDLE));
-#else
-    return 0;
-#endif
-}
-
-// The input as a FileInputStream: the named file, or standard input (not closed at the end).
-// Failures name the file: "in.txt: cannot read: ...".
-class TextInput {
-public:
-    explicit TextInput(const String& name)
-        : m_name(isStandardStream(name) ? String(u"-") : name) {
-        try {
-            m_stream = isStandardStream(name) ? new qn::io::FileInputStream(standardInput(), false)
-                                              : new qn::io::FileInputStream(m_name);
-        } catch (const qn::ResultException& e) {
-            fail("cannot open", e);
-        }
-    }
-
-    // Up to len bytes; -1 at the end.
-    long read(signed char* buffer, long len) {
-        try {
-            return m_stream->read(buffer, len);
-        } catch (const qn::ResultException& e) {
-            fail("cannot read", e);
-        }
-    }
-
-    void close() {
-        try {
-            m_stream->close();
-        } catch (const qn::ResultException& e) {
-            fail("cannot close", e);
-        }
-    }
-
-    const String& name() const { return m_name; }
-
-private:
-    [[noreturn]] void fail(const char* doing, const qn::ResultException& e) {
-        throw qn::ResultException(e.getResult(), wide(utf8(m_name) + ": " + doing + ": " +
-                                                      describe(e.getResult())));
-    }
-
-    String m_name;
-    Reference<qn::io::FileInputStream> m_stream;
-};
-
 template <class Converter> Reference<Converter> converterFor(const String& name) {
     try {
         return Converter::getConverter(name.getData());
@@ -119,7 +60,7 @@ template <class Converter> Reference<Converter> converterFor(const String& name)
 // failure is reported at: bytes of input consumed, characters handed to the encoder.
 class Conversion {
 public:
-    Conversion(TextInput& input, ByteOutput& output, ByteToCharConverter& decoder,
+    Conversion(ByteInput& input, ByteOutput& output, ByteToCharConverter& decoder,
                CharToByteConverter& encoder)
         : m_input(input), m_output(output), m_decoder(decoder), m_encoder(encoder),
           m_bytes(new signed char[BYTE_CHUNK]), m_chars(new char16_t[CHAR_CHUNK]),
@@ -128,10 +69,12 @@ public:
     void run() {
         long held = 0;
         for (;;) {
-            const long done = m_input.read(m_bytes.get() + held, BYTE_CHUNK - held);
-            if (done < 0)
+            const size_t done = m_input.read(
+                reinterpret_cast<unsigned char*>(m_bytes.get()) + held,
+                static_cast<size_t>(BYTE_CHUNK - held));
+            if (done == 0)
                 break;
-            held += done;
+            held += static_cast<long>(done);
             held = decode(held);
         }
         // What is left is the start of a sequence the input ends inside.
@@ -235,7 +178,7 @@ private:
                " at character offset " + std::to_string(offset) + ": " + problem;
     }
 
-    TextInput& m_input;
+    ByteInput& m_input;
     ByteOutput& m_output;
     ByteToCharConverter& m_decoder;
     CharToByteConverter& m_encoder;
@@ -276,7 +219,7 @@ int runConvert(const CommandLineParser& parser, const std::string& program) {
     const String inputName = parser.getPositionalCount() > 0 ? parser.getPositional(0) : String();
     const String outputName = parser.getPositionalCount() > 1 ? parser.getPositional(1) : String();
     try {
-        TextInput input(inputName);
+        ByteInput input(inputName);
         ByteOutput output(outputName);
         Conversion(input, output, *decoder, *encoder).run();
         input.close();
