@@ -101,6 +101,7 @@ private:
         long inPos = 0;
         for (;;) {
             long outPos = 0;
+            const long before = inPos;
             try {
                 m_decoder.convert(m_bytes.get(), &inPos, held, m_chars.get(), &outPos,
                                   CHAR_CHUNK);
@@ -111,7 +112,8 @@ private:
                 throw ConversionFailure(decodingMessage(describe(e), m_byteOffset + inPos));
             }
             encode(m_chars.get(), outPos);
-            if (outPos == 0 || inPos == held)
+            // Done with this chunk, or the rest is a sequence the next bytes complete.
+            if (inPos == held || (inPos == before && outPos == 0))
                 break;
         }
         std::memmove(m_bytes.get(), m_bytes.get() + inPos, static_cast<size_t>(held - inPos));
@@ -197,8 +199,7 @@ void declareConvert(CommandLineParser& parser) {
         .addOption(u"to", u't', u"the encoding OUTPUT is written in",
                    CommandLineParser::REQUIRED_VALUE, u"ENC")
         .addOption(u"strict", u's',
-                   u"fail on input the encodings cannot carry instead of substituting "
-                   u"U+FFFD on reading and \"?\" on writing")
+                   u"fail where a character cannot be converted, rather than substitute")
         .addPositional(u"INPUT", u"the text to convert; standard input when absent or \"-\"")
         .addPositional(u"OUTPUT", u"where the result goes; standard output when absent or \"-\"");
 }
