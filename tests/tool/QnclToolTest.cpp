@@ -162,12 +162,17 @@ TEST_F(QnclToolTest, ConvertTranslatesBetweenEncodings) {
     EXPECT_EQ(readFile(file("out")), cp1252);
 
     // A supplementary character through every UTF: a surrogate pair in the middle.
-    const std::string emoji("a\xF0\x9F\x98\x80" "b");
+    const std::string emoji("a\xF0\x9F\x98\x80"
+                            "b");
     r = qncl("convert -f utf-8 -t utf-16le", emoji);
-    EXPECT_EQ(r.out, std::string("a\0\x3D\xD8\x00\xDE" "b\0", 8));
+    EXPECT_EQ(r.out, std::string("a\0\x3D\xD8\x00\xDE"
+                                 "b\0",
+                                 8));
     r = qncl("convert -f utf-8 -t utf-32be", emoji);
     EXPECT_EQ(r.out, std::string("\0\0\0a\0\x01\xF6\x00\0\0\0b", 12));
-    writeFile(file("utf16"), std::string("a\0\x3D\xD8\x00\xDE" "b\0", 8));
+    writeFile(file("utf16"), std::string("a\0\x3D\xD8\x00\xDE"
+                                         "b\0",
+                                         8));
     r = qncl("convert -f UTF-16LE -t UTF-8 " + arg("utf16"));
     EXPECT_EQ(r.out, emoji);
     // Long input crosses the converters' chunks without losing a character at a seam.
@@ -184,7 +189,8 @@ TEST_F(QnclToolTest, ConvertTranslatesBetweenEncodings) {
 }
 
 TEST_F(QnclToolTest, ConvertSubstitutesUnlessStrict) {
-    Result r = qncl("convert -f utf-8 -t ascii", "a\xE2\x82\xAC" "b");
+    Result r = qncl("convert -f utf-8 -t ascii", "a\xE2\x82\xAC"
+                                                 "b");
     EXPECT_EQ(r.status, 0) << r.err;
     EXPECT_EQ(r.out, "a?b");
     // A sequence cut off by the end of the input: one U+FFFD per byte.
@@ -228,7 +234,9 @@ TEST_F(QnclToolTest, ConvertReportsWhereInvalidInputIs) {
                          "sequence (decoded chars in surrogate range)\n");
     EXPECT_EQ(readFile(file("out")), "keep me");
     // A lone high surrogate is the encoder's fault: at its place, or at the end of the input.
-    r = qncl("convert -f utf-16le -t utf-8", std::string("a\0\x00\xD8" "b\0", 6));
+    r = qncl("convert -f utf-16le -t utf-8", std::string("a\0\x00\xD8"
+                                                         "b\0",
+                                                         6));
     EXPECT_EQ(r.status, 1);
     EXPECT_TRUE(contains(r.err, "-: cannot encode UTF-8 at character offset 1: leading "
                                 "surrogate without trailing\n"))
@@ -250,8 +258,9 @@ TEST_F(QnclToolTest, EncodingsListsNamesCodePagesAndAliases) {
     ASSERT_NE(infoOnly, std::string::npos) << r.out;
     const std::string withConverters = r.out.substr(0, infoOnly);
     const std::string without = r.out.substr(infoOnly);
-    for (const char* line : {"\n  CP1252     1252   WINDOWS-1252\n", "\n  UTF-8      65001  UTF8 UTF_8\n",
-                             "\n  UTF-16LE   -\n", "\n  AMP-7      -      A7\n"})
+    for (const char* line :
+         {"\n  CP1252     1252   WINDOWS-1252\n", "\n  UTF-8      65001  UTF8 UTF_8\n",
+          "\n  UTF-16LE   -\n", "\n  AMP-7      -      A7\n"})
         EXPECT_TRUE(contains(withConverters, line)) << line;
     // ASCII stands twice in the registration; it is listed once, as the canonical name.
     EXPECT_TRUE(contains(withConverters, "\n  ASCII      20127  ANSI_X3.4-1968 ISO-IR-6 "));

@@ -69,8 +69,7 @@ bool isStandardStream(const String& name) {
     return name.isEmpty() || name == u"-";
 }
 
-ByteInput::ByteInput(const String& name)
-    : m_name(isStandardStream(name) ? String(u"-") : name) {
+ByteInput::ByteInput(const String& name) : m_name(isStandardStream(name) ? String(u"-") : name) {
     try {
         if (isStandardStream(name))
             m_stream = new qn::io::FileInputStream(standardInput(), false);

@@ -69,9 +69,8 @@ public:
     void run() {
         long held = 0;
         for (;;) {
-            const size_t done = m_input.read(
-                reinterpret_cast<unsigned char*>(m_bytes.get()) + held,
-                static_cast<size_t>(BYTE_CHUNK - held));
+            const size_t done = m_input.read(reinterpret_cast<unsigned char*>(m_bytes.get()) + held,
+                                             static_cast<size_t>(BYTE_CHUNK - held));
             if (done == 0)
                 break;
             held += static_cast<long>(done);
@@ -80,8 +79,8 @@ public:
         // What is left is the start of a sequence the input ends inside.
         while (held > 0) {
             if (!m_decoder.getSubstitutionMode())
-                throw ConversionFailure(decodingMessage(
-                    "incomplete sequence at the end of the input", m_byteOffset));
+                throw ConversionFailure(
+                    decodingMessage("incomplete sequence at the end of the input", m_byteOffset));
             // Each byte of it becomes one replacement character, as the readers do.
             const char16_t replacement = u'\uFFFD';
             encode(&replacement, 1);
@@ -103,8 +102,7 @@ private:
             long outPos = 0;
             const long before = inPos;
             try {
-                m_decoder.convert(m_bytes.get(), &inPos, held, m_chars.get(), &outPos,
-                                  CHAR_CHUNK);
+                m_decoder.convert(m_bytes.get(), &inPos, held, m_chars.get(), &outPos, CHAR_CHUNK);
             } catch (const qn::Exception& e) {
                 if (!isDataFault(e))
                     throw;
@@ -259,8 +257,8 @@ int runEncodings(const CommandLineParser&, const std::string&) {
                 return true;
             }
         }
-        encodings.push_back({classes.getEncoderClass(), classes.getDecoderClass(),
-                             utf8(String(name)), {}});
+        encodings.push_back(
+            {classes.getEncoderClass(), classes.getDecoderClass(), utf8(String(name)), {}});
         return true;
     });
 
@@ -312,8 +310,8 @@ int runEncodings(const CommandLineParser&, const std::string&) {
 
 const Command CONVERT_COMMAND = {u"convert", u"convert text from one encoding to another",
                                  declareConvert, runConvert};
-const Command ENCODINGS_COMMAND = {
-    u"encodings", u"list the encodings, their code pages and aliases", declareEncodings,
-    runEncodings};
+const Command ENCODINGS_COMMAND = {u"encodings",
+                                   u"list the encodings, their code pages and aliases",
+                                   declareEncodings, runEncodings};
 
 } // namespace qncl
