@@ -8,6 +8,8 @@
 
 #include <atomic>
 #include <cstring>
+#include <string>
+#include <vector>
 
 using namespace qn;
 using namespace qn::text::charset;
@@ -88,6 +90,24 @@ TEST(CodecManager, FirstRegistrationWinsAndMissingClassesGiveNothing) {
     manager->registerCodec(u"x-none", nullptr, nullptr);
     EXPECT_EQ(manager->getDecoder(u"x-none"), nullptr);
     EXPECT_THROW(manager->registerCodec(nullptr, nullptr, nullptr), RangeErrorException);
+
+    // forEach: each name once, upper case, in the order registered; false stops it.
+    std::vector<std::u16string> names;
+    manager->forEach([&names](const char16_t* name, const CodecClasses&) {
+        names.emplace_back(name);
+        return true;
+    });
+    ASSERT_EQ(names.size(), 45u);
+    EXPECT_EQ(names[0], u"ASCII");
+    EXPECT_EQ(names[1], u"ANSI_X3.4-1968");
+    EXPECT_EQ(names[43], u"A7");
+    EXPECT_EQ(names[44], u"X-HALF");
+    int visited = 0;
+    manager->forEach([&visited](const char16_t*, const CodecClasses& classes) {
+        EXPECT_NE(classes.getDecoderClass(), nullptr);
+        return ++visited < 3;
+    });
+    EXPECT_EQ(visited, 3);
 
     // Unloading frees the manager and the information table; loading builds both again from
     // the tables alone.

@@ -143,6 +143,133 @@ TEST_F(QnclToolTest, Md5EscapesBackslashesAndLineFeedsInNames) {
 }
 #endif
 
+TEST_F(QnclToolTest, ConvertTranslatesBetweenEncodings) {
+    // CP1252's own characters in 0x80-0x9F (euro, curly quotes, dash) and Latin-1 letters.
+    const std::string cp1252("caf\xE9 \x80 \x93x\x94 \x97 \xFF\n");
+    const std::string utf8("caf\xC3\xA9 \xE2\x82\xAC \xE2\x80\x9Cx\xE2\x80\x9D \xE2\x80\x94 "
+                           "\xC3\xBF\n");
+    Result r = qncl("convert --from CP1252 --to UTF-8", cp1252);
+    EXPECT_EQ(r.status, 0) << r.err;
+    EXPECT_EQ(r.out, utf8);
+    EXPECT_EQ(r.err, "");
+    // Code pages and aliases in any case name the same converters; files both ways.
+    writeFile(file("in"), utf8);
+    r = qncl("convert -f utf8 -t windows-1252 " + arg("in") + " " + arg("out"));
+    EXPECT_EQ(r.status, 0) << r.err;
+    EXPECT_EQ(r.out, "");
+    EXPECT_EQ(readFile(file("out")), cp1252);
+    r = qncl("convert --from=65001 --to=1252 - " + arg("out"), utf8);
+    EXPECT_EQ(readFile(file("out")), cp1252);
+
+    // A supplementary character through every UTF: a surrogate pair in the middle.
+    const std::string emoji("a\xF0\x9F\x98\x80"
+                            "b");
+    r = qncl("convert -f utf-8 -t utf-16le", emoji);
+    EXPECT_EQ(r.out, std::string("a\0\x3D\xD8\x00\xDE"
+                                 "b\0",
+                                 8));
+    r = qncl("convert -f utf-8 -t utf-32be", emoji);
+    EXPECT_EQ(r.out, std::string("\0\0\0a\0\x01\xF6\x00\0\0\0b", 12));
+    writeFile(file("utf16"), std::string("a\0\x3D\xD8\x00\xDE"
+                                         "b\0",
+                                         8));
+    r = qncl("convert -f UTF-16LE -t UTF-8 " + arg("utf16"));
+    EXPECT_EQ(r.out, emoji);
+    // Long input crosses the converters' chunks without losing a character at a seam.
+    std::string longText;
+    for (int i = 0; i < 120000; ++i)
+        longText += "\xE2\x82\xAC\xC3\xA9x";
+    r = qncl("convert -f utf-8 -t cp1252", longText);
+    EXPECT_EQ(r.status, 0) << r.err;
+    std::string expected;
+    for (int i = 0; i < 120000; ++i)
+        expected += "\x80\xE9x";
+    EXPECT_TRUE(r.out == expected) << r.out.size();
+    EXPECT_EQ(entries(), (std::vector<std::string>{"in", "out", "utf16"}));
+}
+
+TEST_F(QnclToolTest, ConvertSubstitutesUnlessStrict) {
+    Result r = qncl("convert -f utf-8 -t ascii", "a\xE2\x82\xAC"
+                                                 "b");
+    EXPECT_EQ(r.status, 0) << r.err;
+    EXPECT_EQ(r.out, "a?b");
+    // A sequence cut off by the end of the input: one U+FFFD per byte.
+    r = qncl("convert -f utf-8 -t utf-16be", "ab\xE2\x82");
+    EXPECT_EQ(r.status, 0) << r.err;
+    EXPECT_EQ(r.out, std::string("\0a\0b\xFF\xFD\xFF\xFD", 8));
+
+    // Strict: the character offset counts UTF-16 units, not bytes of input.
+    std::string text;
+    for (int i = 0; i < 200000; ++i)
+        text += "\xC3\xA9";
+    writeFile(file("in"), text + "\xE2\x82\xAC");
+    writeFile(file("out"), "keep me");
+    r = qncl("convert --strict -f utf-8 -t iso-8859-1 " + arg("in") + " " + arg("out"));
+    EXPECT_EQ(r.status, 1);
+    EXPECT_EQ(r.err, "qncl convert: " + file("in").string() +
+                         ": cannot encode ISO8859_1 at character offset 200000: unmappable "
+                         "character (0x8BB34102)\n");
+    EXPECT_EQ(readFile(file("out")), "keep me");
+    EXPECT_EQ(entries(), (std::vector<std::string>{"in", "out"}));
+
+    r = qncl("convert -s -f utf-8 -t utf-16le", "ab\xE2\x82");
+    EXPECT_EQ(r.status, 1);
+    EXPECT_EQ(r.err, "qncl convert: -: cannot decode UTF-8 at input byte offset 2: incomplete "
+                     "sequence at the end of the input\n");
+    r = qncl("convert -s -f utf-32be -t utf-8", std::string("\0\0\0a\0\x11\0\0", 8));
+    EXPECT_EQ(r.status, 1);
+    EXPECT_TRUE(contains(r.err, "cannot decode UTF-32BE at input byte offset 4: unmappable"))
+        << r.err;
+}
+
+TEST_F(QnclToolTest, ConvertReportsWhereInvalidInputIs) {
+    // Malformed input fails with or without --strict, at the byte offset of the sequence, also
+    // far into the input.
+    writeFile(file("in"), std::string(300001, 'a') + "\xED\xA0\x80z");
+    writeFile(file("out"), "keep me");
+    Result r = qncl("convert -f utf-8 -t utf-16le " + arg("in") + " " + arg("out"));
+    EXPECT_EQ(r.status, 1);
+    EXPECT_EQ(r.err, "qncl convert: " + file("in").string() +
+                         ": cannot decode UTF-8 at input byte offset 300001: Invalid UTF-8 "
+                         "sequence (decoded chars in surrogate range)\n");
+    EXPECT_EQ(readFile(file("out")), "keep me");
+    // A lone high surrogate is the encoder's fault: at its place, or at the end of the input.
+    r = qncl("convert -f utf-16le -t utf-8", std::string("a\0\x00\xD8"
+                                                         "b\0",
+                                                         6));
+    EXPECT_EQ(r.status, 1);
+    EXPECT_TRUE(contains(r.err, "-: cannot encode UTF-8 at character offset 1: leading "
+                                "surrogate without trailing\n"))
+        << r.err;
+    r = qncl("convert -f utf-16le -t utf-8", std::string("a\0b\0\x00\xD8", 6));
+    EXPECT_EQ(r.status, 1);
+    EXPECT_TRUE(contains(r.err, "at character offset 2: leading surrogate")) << r.err;
+    r = qncl("convert -f utf-8 -t ascii " + arg("missing") + " " + arg("out"));
+    EXPECT_EQ(r.status, 1);
+    EXPECT_TRUE(contains(r.err, file("missing").string() + ": cannot open: file not found"))
+        << r.err;
+    EXPECT_EQ(entries(), (std::vector<std::string>{"in", "out"}));
+}
+
+TEST_F(QnclToolTest, EncodingsListsNamesCodePagesAndAliases) {
+    const Result r = qncl("encodings");
+    EXPECT_EQ(r.status, 0) << r.err;
+    const size_t infoOnly = r.out.find("information only");
+    ASSERT_NE(infoOnly, std::string::npos) << r.out;
+    const std::string withConverters = r.out.substr(0, infoOnly);
+    const std::string without = r.out.substr(infoOnly);
+    for (const char* line :
+         {"\n  CP1252     1252   WINDOWS-1252\n", "\n  UTF-8      65001  UTF8 UTF_8\n",
+          "\n  UTF-16LE   -\n", "\n  AMP-7      -      A7\n"})
+        EXPECT_TRUE(contains(withConverters, line)) << line;
+    // ASCII stands twice in the registration; it is listed once, as the canonical name.
+    EXPECT_TRUE(contains(withConverters, "\n  ASCII      20127  ANSI_X3.4-1968 ISO-IR-6 "));
+    EXPECT_EQ(withConverters.find(" ASCII "), withConverters.rfind(" ASCII "));
+    EXPECT_TRUE(contains(without, "\n  CP1250     1250\n"));
+    EXPECT_TRUE(contains(without, "\n  EUCJP      20932\n"));
+    EXPECT_FALSE(contains(without, "  CP1252 "));
+}
+
 TEST_F(QnclToolTest, BlowfishEnciphersAndDeciphers) {
     const std::string plain("\x11\x11\x11\x11\x11\x11\x11\x11", 8);
     Result r = qncl("blowfish --encrypt --key 0123456789ABCDEF", plain);
@@ -209,6 +336,14 @@ TEST_F(QnclToolTest, UsageErrorsExitWithTwoAndAHint) {
         {"blowfish -e -k 12zz", "qncl blowfish: invalid key '12zz': not hexadecimal"},
         {"blowfish -e -k 00 a b c", "qncl blowfish: extra operand 'c'\n"},
         {"classes extra", "qncl classes: extra operand 'extra'\n"},
+        {"convert --to utf-8", "qncl convert: missing --from\n"},
+        {"convert -f utf-8", "qncl convert: missing --to\n"},
+        {"convert -f UTF-16 -t utf-8",
+         "qncl convert: unknown encoding 'UTF-16' (see 'qncl encodings'"},
+        // A code page known by information only has no converter.
+        {"convert -f utf-8 -t cp1250", "qncl convert: unknown encoding 'cp1250'"},
+        {"convert -f utf-8 -t ascii a b c", "qncl convert: extra operand 'c'\n"},
+        {"encodings x", "qncl encodings: extra operand 'x'\n"},
     };
     for (const Case& c : CASES) {
         const Result r = qncl(c.arguments);
@@ -225,7 +360,8 @@ TEST_F(QnclToolTest, HelpAndVersion) {
     Result r = qncl("--help");
     EXPECT_EQ(r.status, 0);
     EXPECT_TRUE(startsWith(r.out, "Usage: qncl ")) << r.out;
-    for (const char* command : {"\n  md5 ", "\n  blowfish ", "\n  classes "})
+    for (const char* command :
+         {"\n  convert ", "\n  encodings ", "\n  md5 ", "\n  blowfish ", "\n  classes "})
         EXPECT_TRUE(contains(r.out, command)) << command;
 
     r = qncl("blowfish --help");

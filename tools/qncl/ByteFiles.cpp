@@ -38,6 +38,15 @@ void binary(std::FILE* stream) {
 #endif
 }
 
+// Standard input as a file handle of the core module; it stays open when the stream is closed.
+QNFILE standardInput() {
+#if defined(_WIN32)
+    return reinterpret_cast<QNFILE>(GetStdHandle(STD_INPUT_HANDLE));
+#else
+    return 0;
+#endif
+}
+
 QNRESULT lastError() {
     const QNRESULT code = QNResultFromNative(QNGetLastNativeError());
     return QN_FAILED(code) ? code : QN_E_FAIL;
@@ -60,15 +69,15 @@ bool isStandardStream(const String& name) {
     return name.isEmpty() || name == u"-";
 }
 
-ByteInput::ByteInput(const String& name)
-    : m_name(isStandardStream(name) ? String(u"-") : name), m_standard(isStandardStream(name)) {
-    if (m_standard) {
-        binary(stdin);
-        return;
+ByteInput::ByteInput(const String& name) : m_name(isStandardStream(name) ? String(u"-") : name) {
+    try {
+        if (isStandardStream(name))
+            m_stream = new qn::io::FileInputStream(standardInput(), false);
+        else
+            m_stream = new qn::io::FileInputStream(m_name);
+    } catch (const qn::ResultException& e) {
+        fail(m_name, "cannot open", e.getResult());
     }
-    QNFILE file = QN_INVALID_FILE;
-    check(m_name, "cannot open", QNFileOpen(path(m_name), QN_FILE_READ, 0, &file));
-    m_file = file;
 }
 
 ByteInput::~ByteInput() {
@@ -76,23 +85,27 @@ ByteInput::~ByteInput() {
 }
 
 void ByteInput::close() noexcept {
-    if (m_file != QN_INVALID_FILE)
-        QNFileClose(m_file);
-    m_file = QN_INVALID_FILE;
+    if (!m_stream)
+        return;
+    try {
+        m_stream->close();
+    } catch (const qn::Exception&) {
+        // Nothing was written through it: a failure to let it go loses nothing.
+    }
+    m_stream = nullptr;
 }
 
 size_t ByteInput::read(unsigned char* buffer, size_t size) {
-    if (m_standard) {
-        const size_t done = std::fread(buffer, 1, size, stdin);
-        if (done == 0 && std::ferror(stdin))
-            fail(m_name, "cannot read", lastError());
-        return done;
-    }
-    if (m_file == QN_INVALID_FILE)
+    if (!m_stream)
         return 0;
-    uint32_t done = 0;
-    check(m_name, "cannot read", QNFileRead(m_file, buffer, static_cast<uint32_t>(size), &done));
-    return done;
+    constexpr size_t MOST = 1u << 30;
+    long done = 0;
+    try {
+        done = m_stream->read(buffer, static_cast<long>(size < MOST ? size : MOST));
+    } catch (const qn::ResultException& e) {
+        fail(m_name, "cannot read", e.getResult());
+    }
+    return done > 0 ? static_cast<size_t>(done) : 0;
 }
 
 ByteOutput::ByteOutput(const String& name)

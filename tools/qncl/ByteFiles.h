@@ -1,10 +1,13 @@
 // Where the commands' bytes come from and go to: a named file, or standard input and output
-// when the name is absent or "-". Files go through the core module's file functions. An output
+// when the name is absent or "-". Input is read through a FileInputStream, over the file or the
+// standard input handle; output goes through the core module's file functions. An output
 // file is written beside its target under a temporary name and renamed into place only by
 // commit(), so a run that fails leaves the target exactly as it was.
 #pragma once
 
 #include "Tool.h"
+
+#include "qn/io/FileInputStream.h"
 
 #include <cstddef>
 
@@ -29,8 +32,7 @@ public:
 
 private:
     String m_name;
-    bool m_standard;
-    QNFILE m_file = QN_INVALID_FILE;
+    qn::Reference<qn::io::FileInputStream> m_stream;
 };
 
 class ByteOutput {

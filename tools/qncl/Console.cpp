@@ -52,6 +52,7 @@ std::string describe(QNRESULT code) {
         {0x8007006D, "broken pipe"},        {0x80070070, "disk full"},
         {0x800700B7, "already exists"},     {0x800700CE, "file name too long"},
         {0x8007045D, "input/output error"}, {0x80070057, "bad argument"},
+        {0x8BB34101, "invalid character"},  {0x8BB34102, "unmappable character"},
     };
     for (const Known& k : KNOWN)
         if (k.code == static_cast<uint32_t>(code))

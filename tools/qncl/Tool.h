@@ -42,6 +42,8 @@ struct Command {
 extern const Command MD5_COMMAND;
 extern const Command BLOWFISH_COMMAND;
 extern const Command CLASSES_COMMAND;
+extern const Command CONVERT_COMMAND;
+extern const Command ENCODINGS_COMMAND;
 // Every command, in the order the help lists them; ends with null.
 extern const Command* const COMMANDS[];
 

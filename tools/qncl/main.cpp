@@ -15,7 +15,8 @@
 
 namespace qncl {
 
-const Command* const COMMANDS[] = {&MD5_COMMAND, &BLOWFISH_COMMAND, &CLASSES_COMMAND, nullptr};
+const Command* const COMMANDS[] = {&CONVERT_COMMAND,  &ENCODINGS_COMMAND, &MD5_COMMAND,
+                                   &BLOWFISH_COMMAND, &CLASSES_COMMAND,   nullptr};
 
 namespace {
 

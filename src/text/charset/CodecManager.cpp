@@ -15,6 +15,7 @@
 
 #include <atomic>
 #include <unordered_map>
+#include <vector>
 
 namespace qn::text::charset {
 
@@ -64,6 +65,8 @@ CodecClasses::~CodecClasses() = default;
 
 struct CodecManager::Registry {
     std::unordered_map<std::u16string, Reference<CodecClasses>> entries;
+    // The keys in the order they were registered.
+    std::vector<const std::u16string*> order;
 };
 
 CodecManager::CodecManager() : m_registry(new Registry) {
@@ -96,7 +99,14 @@ void CodecManager::registerCodec(const char16_t* name, const char16_t* encoderCl
         return;
     Reference<CodecClasses> classes(
         new CodecClasses(classOrNull(encoderClassName), classOrNull(decoderClassName)));
-    m_registry->entries.emplace(std::move(key), std::move(classes));
+    const auto added = m_registry->entries.emplace(std::move(key), std::move(classes));
+    m_registry->order.push_back(&added.first->first);
+}
+
+void CodecManager::forEachImpl(VisitFn visit, void* context) const {
+    for (const std::u16string* key : m_registry->order)
+        if (!visit(context, key->c_str(), *m_registry->entries.find(*key)->second))
+            return;
 }
 
 const CodecClasses* CodecManager::find(const std::u16string& key) const {

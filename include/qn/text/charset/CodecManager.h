@@ -63,6 +63,13 @@ public:
     Reference<Object> getDecoder(const char16_t* name) const;
     Reference<Object> getEncoder(const char16_t* name) const;
 
+    // Calls visit(name, classes) for every registered name, upper case, in the order of
+    // registration, until visit returns false. Codec plug-ins are not registered, so they are
+    // not visited.
+    template <class Visit> void forEach(Visit visit) const {
+        forEachImpl(&invokeVisit<Visit>, &visit);
+    }
+
     // Installs the makers that turn the object a codec plug-in created into converters. The
     // library's own (BTCCom::wrap, CTBCom::wrap, over IQNCharCodec) are in place from the
     // start; null puts them back.
@@ -76,6 +83,13 @@ private:
     ~CodecManager();
     template <class, auto&> friend class qn::Singleton;
     struct Registry;
+
+    using VisitFn = bool (*)(void* visit, const char16_t* name, const CodecClasses& classes);
+    template <class Visit>
+    static bool invokeVisit(void* visit, const char16_t* name, const CodecClasses& classes) {
+        return (*static_cast<Visit*>(visit))(name, classes);
+    }
+    void forEachImpl(VisitFn visit, void* context) const;
 
     const CodecClasses* find(const std::u16string& key) const;
     Reference<Object> create(const char16_t* name, bool decoder) const;
