@@ -97,11 +97,12 @@ TEST(CodecManager, FirstRegistrationWinsAndMissingClassesGiveNothing) {
         names.emplace_back(name);
         return true;
     });
-    ASSERT_EQ(names.size(), 45u);
+    ASSERT_EQ(names.size(), 46u);
     EXPECT_EQ(names[0], u"ASCII");
     EXPECT_EQ(names[1], u"ANSI_X3.4-1968");
     EXPECT_EQ(names[43], u"A7");
     EXPECT_EQ(names[44], u"X-HALF");
+    EXPECT_EQ(names[45], u"X-NONE");
     int visited = 0;
     manager->forEach([&visited](const char16_t*, const CodecClasses& classes) {
         EXPECT_NE(classes.getDecoderClass(), nullptr);
