@@ -127,6 +127,33 @@ TEST(BTCUTF8, EveryBoundaryGivesTheOneShotResult) {
     }
 }
 
+// Long calls take runs of ASCII and of two-byte sequences in blocks; a call with a window of a
+// few units never does. Runs of every length up to past two blocks, broken at every place by
+// each kind of byte that must end a block, decode alike both ways.
+TEST(BTCUTF8, RunsBrokenAnywhereDecodeAsInSmallWindows) {
+    const uint8_t breakers[] = {0x41, 0x80, 0xC1, 0xC3, 0xE0, 0xF0, 0xFF};
+    const uint8_t pairs[][2] = {{0xC2, 0x80}, {0xD0, 0x96}, {0xDF, 0xBF}};
+    for (const auto& pair : pairs) {
+        for (long length = 1; length <= 36; ++length) {
+            for (long at = 0; at <= 2 * length; ++at) {
+                for (uint8_t breaker : breakers) {
+                    Bytes text(20, 0x61);
+                    for (long k = 0; k < length; ++k) {
+                        text.push_back(pair[0]);
+                        text.push_back(pair[1]);
+                    }
+                    text.insert(text.end(), 20, 0x62);
+                    text[static_cast<size_t>(20 + at)] = breaker;
+                    BTCUTF8 oneShot, small;
+                    EXPECT_EQ(decodeAll(oneShot, text),
+                              convertPiecewise<Units>(small, text, 1, 4, [](const Units&) {}))
+                        << "length " << length << " at " << at << " byte " << int(breaker);
+                }
+            }
+        }
+    }
+}
+
 TEST(BTCUTF8, ExceptionsLeavePositionsAtTheOffendingSequence) {
     BTCUTF8 decoder;
     const Bytes surrogate = {0x61, 0x62, 0xED, 0xA0, 0x80, 0x63};
@@ -238,6 +265,29 @@ TEST(CTBUTF8, EveryBoundaryGivesTheOneShotResult) {
             EXPECT_EQ(convertPiecewise<Bytes>(encoder, bmp, chunk, room, [](const Bytes&) {}),
                       expectedBmp)
                 << "chunk " << chunk << " room " << room;
+        }
+    }
+}
+
+// As for decoding: runs of ASCII and of units below 0x800, broken anywhere, encode alike in one
+// call and in windows too small for a block (but large enough for a pair, which must not split).
+TEST(CTBUTF8, RunsBrokenAnywhereEncodeAsInSmallWindows) {
+    const Units breakers[] = {u"A",          u"\u007F", u"\u0800", Units(1, char16_t(0xDC00)),
+                              u"\U0001F600", u"\uFFFF"};
+    const char16_t runUnits[] = {u'x', 0x80, 0x416, 0x7FF};
+    for (char16_t unit : runUnits) {
+        for (long length = 1; length <= 36; ++length) {
+            for (long at = 0; at <= length; ++at) {
+                for (const Units& breaker : breakers) {
+                    Units text(static_cast<size_t>(length), unit);
+                    text.insert(static_cast<size_t>(at), breaker);
+                    text = u"0123456789" + text + u"abcdefghij";
+                    CTBUTF8 oneShot, small;
+                    EXPECT_EQ(encodeAll(oneShot, text),
+                              convertPiecewise<Bytes>(small, text, 1, 4, [](const Bytes&) {}))
+                        << "unit " << int(unit) << " length " << length << " at " << at;
+                }
+            }
         }
     }
 }

@@ -4,7 +4,8 @@
 // unit when it throws; runConvert stores them back in both cases.
 //
 // The UTF-8 loops have a fast form (Fast = true) that moves runs of ASCII a block at a time:
-// sixteen units at a time with SSE2, a machine word at a time elsewhere (the 32-bit target). It
+// sixteen units at a time with SSE2, a machine word at a time elsewhere (the 32-bit target);
+// with SSE2, runs of two-byte sequences go eight or four at a time too. It
 // must agree with the simple form byte for byte and position for position.
 #pragma once
 
@@ -201,6 +202,43 @@ inline void narrowAscii(const char16_t* in, long& i, long inEnd, uint8_t* out, l
     o += k;
 }
 
+#ifdef QNCL_UTF_SSE2
+
+// The two-byte blocks below take a whole block, its first half or nothing. A block that ended
+// where its run does would make each step's start wait for the previous block's count; fixed
+// sizes keep the next step a predictable branch.
+
+// True when the sixteen bytes at from are all ASCII.
+inline bool isAsciiBlock(const uint8_t* from) {
+    return _mm_movemask_epi8(_mm_loadu_si128(reinterpret_cast<const __m128i*>(from))) == 0;
+}
+
+// Decodes the sixteen bytes at from into eight units when they are eight two-byte sequences
+// (lead 0xC2-0xDF, then a continuation byte), else their first half into four units when that
+// is four of them (a shorter word); says how many sequences it took: 8, 4 or 0.
+inline int decodeTwoByteBlock(const uint8_t* from, char16_t* to) {
+    const __m128i bytes = _mm_loadu_si128(reinterpret_cast<const __m128i*>(from));
+    // Even bytes must be 0xC2-0xDF, odd ones 0x80-0xBF: an unsigned range test per byte, done
+    // as a signed compare after moving the range to the bottom of the signed bytes.
+    const __m128i start = _mm_set1_epi16(static_cast<short>(0x80C2));
+    const __m128i bound = _mm_set1_epi16(static_cast<short>(0xC09E)); // 0x40, 0x1E less 0x80
+    const __m128i shifted = _mm_xor_si128(_mm_sub_epi8(bytes, start), _mm_set1_epi8(-128));
+    const unsigned inRange =
+        static_cast<unsigned>(_mm_movemask_epi8(_mm_cmplt_epi8(shifted, bound)));
+    if ((inRange & 0xFFu) != 0xFFu)
+        return 0;
+    const __m128i lead = _mm_slli_epi16(_mm_and_si128(bytes, _mm_set1_epi16(0x1F)), 6);
+    const __m128i trail = _mm_and_si128(_mm_srli_epi16(bytes, 8), _mm_set1_epi16(0x3F));
+    const __m128i units = _mm_or_si128(lead, trail);
+    if (inRange != 0xFFFFu) {
+        _mm_storel_epi64(reinterpret_cast<__m128i*>(to), units);
+        return 4;
+    }
+    _mm_storeu_si128(reinterpret_cast<__m128i*>(to), units);
+    return 8;
+}
+#endif
+
 // One stretch of the fast decoding loop, below limit (see decodeUtf8Common). True when the
 // stretch is used up (i == limit) or stops before a long ASCII run; false before a sequence that
 // the simple loop must take.
@@ -209,15 +247,44 @@ inline bool decodeUtf8Stretch(const uint8_t* in, long& i, long limit, long inEnd
     while (i < limit) {
         const uint32_t b0 = in[i];
         if (b0 < 0x80) {
-            // A block pays only for a run longer than a short word.
-            if (limit - i >= 16 && ((in[i + 1] | in[i + 2] | in[i + 3] | in[i + 4]) & 0x80u) == 0)
+            // A block pays only for a run longer than a short word. Below limit - 16 a block of
+            // sixteen bytes is readable and its units fit.
+            if (limit - i >= 16 && ((in[i + 1] | in[i + 2] | in[i + 3] | in[i + 4]) & 0x80u) == 0) {
+#ifdef QNCL_UTF_SSE2
+                // A run shorter than a block goes here; widenAscii would leave the stretch
+                // for it and come back.
+                if (!isAsciiBlock(in + i)) {
+                    do {
+                        out[o++] = in[i++];
+                    } while (in[i] < 0x80);
+                    continue;
+                }
+#endif
                 return true;
+            }
             out[o++] = static_cast<char16_t>(b0);
             ++i;
             continue;
         }
         const uint32_t b1 = in[i + 1];
         if (b0 - 0xC2u < 0x1Eu && isContinuation(b1)) {
+#ifdef QNCL_UTF_SSE2
+            // Eight (or four) sequences at a time while a run of them lasts (a word of Cyrillic
+            // or Greek).
+            if (limit - i >= 16 && in[i + 2] - 0xC2u < 0x1Eu) {
+                int taken = decodeTwoByteBlock(in + i, out + o);
+                if (taken != 0) {
+                    for (;;) {
+                        i += 2 * taken;
+                        o += taken;
+                        if (taken != 8 || limit - i < 16)
+                            break;
+                        taken = decodeTwoByteBlock(in + i, out + o);
+                    }
+                    continue;
+                }
+            }
+#endif
             // Two-byte sequences come in runs (Cyrillic, Greek, Hebrew, Arabic): take the next
             // one in the same step when it is there.
             const uint32_t b2 = in[i + 2];
@@ -359,6 +426,41 @@ inline void writeThree(uint32_t unit, uint8_t* to) {
     to[2] = static_cast<uint8_t>(0x80u | (unit & 0x3Fu));
 }
 
+#ifdef QNCL_UTF_SSE2
+// True when the sixteen units at from are all ASCII.
+inline bool isAsciiBlock(const char16_t* from) {
+    const __m128i low = _mm_loadu_si128(reinterpret_cast<const __m128i*>(from));
+    const __m128i high = _mm_loadu_si128(reinterpret_cast<const __m128i*>(from + 8));
+    const __m128i outside =
+        _mm_and_si128(_mm_or_si128(low, high), _mm_set1_epi16(static_cast<short>(0xFF80)));
+    return _mm_movemask_epi8(_mm_cmpeq_epi16(outside, _mm_setzero_si128())) == 0xFFFF;
+}
+
+// Encodes the eight units at from as sixteen bytes when all are 0x80-0x7FF, else the first four
+// as eight bytes when those are; says how many units it took: 8, 4 or 0.
+inline int encodeTwoByteBlock(const char16_t* from, uint8_t* to) {
+    const __m128i units = _mm_loadu_si128(reinterpret_cast<const __m128i*>(from));
+    // unit - 0x80 below 0x780, unsigned, as a signed compare with the range moved down.
+    const __m128i shifted = _mm_xor_si128(_mm_sub_epi16(units, _mm_set1_epi16(0x80)),
+                                          _mm_set1_epi16(static_cast<short>(0x8000)));
+    const __m128i inRange = _mm_cmplt_epi16(shifted, _mm_set1_epi16(static_cast<short>(0x8780)));
+    const unsigned inside = static_cast<unsigned>(_mm_movemask_epi8(inRange));
+    if ((inside & 0xFFu) != 0xFFu)
+        return 0;
+    // Little-endian lanes: the lead byte 0xC0 | unit >> 6 first, then 0x80 | (unit & 0x3F).
+    const __m128i bytes =
+        _mm_or_si128(_mm_or_si128(_mm_srli_epi16(units, 6),
+                                  _mm_slli_epi16(_mm_and_si128(units, _mm_set1_epi16(0x3F)), 8)),
+                     _mm_set1_epi16(static_cast<short>(0x80C0)));
+    if (inside != 0xFFFFu) {
+        _mm_storel_epi64(reinterpret_cast<__m128i*>(to), bytes);
+        return 4;
+    }
+    _mm_storeu_si128(reinterpret_cast<__m128i*>(to), bytes);
+    return 8;
+}
+#endif
+
 // The fast form's inner loop, with no surrogate pending: takes ASCII (a block at a time where it
 // can), every unit outside the surrogate range and whole pairs, as long as the output has room
 // for anything, and leaves everything else to the simple loop. A unit writes at most three
@@ -374,13 +476,40 @@ inline void encodeUtf8Common(const char16_t* in, long& inPos, long inEnd, uint8_
             break;
         while (i < end) {
             const uint32_t unit = in[i];
+            // The ASCII test reads sixteen units and a two-byte block eight, writing at most
+            // sixteen bytes: within the stretch when that many units of it are left.
             if (unit < 0x80) {
                 if (end - i >= 16 &&
-                    ((in[i + 1] | in[i + 2] | in[i + 3] | in[i + 4]) & 0xFF80u) == 0)
+                    ((in[i + 1] | in[i + 2] | in[i + 3] | in[i + 4]) & 0xFF80u) == 0) {
+#ifdef QNCL_UTF_SSE2
+                    // A run shorter than a block goes here, as in decoding.
+                    if (!isAsciiBlock(in + i)) {
+                        do {
+                            out[o++] = static_cast<uint8_t>(in[i++]);
+                        } while (in[i] < 0x80);
+                        continue;
+                    }
+#endif
                     break;
+                }
                 out[o++] = static_cast<uint8_t>(unit);
                 ++i;
             } else if (unit < 0x800) {
+#ifdef QNCL_UTF_SSE2
+                if (end - i >= 8 && in[i + 1] - 0x80u < 0x780u) {
+                    int taken = encodeTwoByteBlock(in + i, out + o);
+                    if (taken != 0) {
+                        for (;;) {
+                            i += taken;
+                            o += 2 * taken;
+                            if (taken != 8 || end - i < 8)
+                                break;
+                            taken = encodeTwoByteBlock(in + i, out + o);
+                        }
+                        continue;
+                    }
+                }
+#endif
                 writeTwo(unit, out + o);
                 o += 2;
                 ++i;
