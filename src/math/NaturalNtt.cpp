@@ -29,6 +29,8 @@ public:
     }
 
     Limb p() const { return m_p; }
+    Limb negInverse() const { return m_negInverse; }
+    Limb r2() const { return m_r2; }
     // a b R^-1 mod p for a, b < p.
     Limb mul(Limb a, Limb b) const {
         Limb high;
@@ -74,82 +76,118 @@ const Field& field(int i) {
     return fields[i];
 }
 
-// Twiddle factors: table[len + j] = w_2len^j for each half-length len, in Montgomery form.
-std::vector<Limb> twiddles(const Field& f, size_t n, bool inverse) {
-    std::vector<Limb> table(n);
+// Butterflies keep values lazily reduced, in [0, 2p): with p below 2^62, sums of two such values
+// and differences offset by 2p stay below 2^64, and Montgomery's reduction of a product below
+// 2^64 p lands in [0, 2p) without a final subtraction.
+struct Lazy {
+    explicit Lazy(const Field& f) : p(f.p()), twoP(2 * f.p()), negInverse(f.negInverse()) {}
+    Limb mul(Limb a, Limb b) const {
+        Limb high;
+        const Limb low = mulWide(a, b, high);
+        Limb mh;
+        mulWide(low * negInverse, p, mh);
+        return high + mh + (low != 0);
+    }
+    // a - 2p if a >= 2p, for a below 4p.
+    Limb fold(Limb a) const { return a - (twoP & (Limb{0} - static_cast<Limb>(a >= twoP))); }
+    Limb p;
+    Limb twoP;
+    Limb negInverse;
+};
+
+// Twiddle factors: table[len + j] = w_2len^j for each half-length len, in Montgomery form and
+// below p. The inverse roots come from the same powers: w^-j = w^(2len - j) = -w^(len - j).
+void twiddles(const Field& f, size_t n, Limb* table, Limb* inverseTable) {
     for (size_t len = 1; len < n; len <<= 1) {
-        Limb w = f.root(2 * len);
-        if (inverse)
-            w = f.inverse(w);
+        const Limb w = f.root(2 * len);
         Limb x = f.enter(1);
         for (size_t j = 0; j < len; ++j) {
             table[len + j] = x;
             x = f.mul(x, w);
         }
+        inverseTable[len] = table[len];
+        for (size_t j = 1; j < len; ++j)
+            inverseTable[len + j] = f.p() - table[2 * len - j];
     }
-    return table;
 }
 
-// Decimation in frequency: natural order in, bit-reversed order out.
-void forward(const Field& f, Limb* a, size_t n, const Limb* table) {
+// Decimation in frequency: natural order in, bit-reversed order out; values in [0, 2p).
+void forward(const Lazy& f, Limb* a, size_t n, const Limb* table) {
+    const Limb twoP = f.twoP;
     for (size_t len = n / 2; len >= 1; len >>= 1) {
+        const Limb* w = table + len;
         for (size_t i = 0; i < n; i += 2 * len) {
             Limb* x = a + i;
             Limb* y = x + len;
-            const Limb* w = table + len;
             for (size_t j = 0; j < len; ++j) {
                 const Limb u = x[j], v = y[j];
-                x[j] = f.add(u, v);
-                y[j] = f.mul(f.sub(u, v), w[j]);
+                x[j] = f.fold(u + v);
+                y[j] = f.mul(u - v + twoP, w[j]);
             }
         }
     }
 }
 
 // Decimation in time with the inverse roots: bit-reversed order in, natural order out
-// (times n).
-void backward(const Field& f, Limb* a, size_t n, const Limb* table) {
+// (times n); values in [0, 2p).
+void backward(const Lazy& f, Limb* a, size_t n, const Limb* table) {
+    const Limb twoP = f.twoP;
     for (size_t len = 1; len < n; len <<= 1) {
+        const Limb* w = table + len;
         for (size_t i = 0; i < n; i += 2 * len) {
             Limb* x = a + i;
             Limb* y = x + len;
-            const Limb* w = table + len;
             for (size_t j = 0; j < len; ++j) {
                 const Limb u = x[j], v = f.mul(y[j], w[j]);
-                x[j] = f.add(u, v);
-                y[j] = f.sub(u, v);
+                x[j] = f.fold(u + v);
+                y[j] = f.fold(u - v + twoP);
             }
         }
     }
 }
 
-// The cyclic convolution of a and b modulo one prime, in out (n values, normal form).
-void convolve(const Field& f, const Limb* a, size_t an, const Limb* b, size_t bn, bool square,
+// The cyclic convolution of a and b modulo one prime, in out (n values, below p).
+void convolve(const Field& field, const Limb* a, size_t an, const Limb* b, size_t bn, bool square,
               size_t n, Limb* out) {
-    const Limb p = f.p();
-    std::fill(out, out + n, Limb{0});
+    const Lazy f(field);
+    // Limbs enter Montgomery form by one multiplication by R^2 mod p (a limb times a value
+    // below p is below 2^64 p), with no division.
+    const Limb r2 = field.r2();
+    std::fill(out + an, out + n, Limb{0});
     for (size_t i = 0; i < an; ++i)
-        out[i] = a[i] % p;
-    const std::vector<Limb> table = twiddles(f, n, false);
-    forward(f, out, n, table.data());
+        out[i] = f.mul(a[i], r2);
+    Limbs tables = allocate(2 * n);
+    Limb* table = tables.get();
+    Limb* inverseTable = table + n;
+    twiddles(field, n, table, inverseTable);
+    forward(f, out, n, table);
     if (square) {
         for (size_t i = 0; i < n; ++i)
             out[i] = f.mul(out[i], out[i]);
     } else {
         Limbs other = allocate(n);
-        std::fill(other.get(), other.get() + n, Limb{0});
+        std::fill(other.get() + bn, other.get() + n, Limb{0});
         for (size_t i = 0; i < bn; ++i)
-            other[i] = b[i] % p;
-        forward(f, other.get(), n, table.data());
+            other[i] = f.mul(b[i], r2);
+        forward(f, other.get(), n, table);
         for (size_t i = 0; i < n; ++i)
             out[i] = f.mul(out[i], other[i]);
     }
-    backward(f, out, n, twiddles(f, n, true).data());
-    // The products carry R^-1 and the inverse transform a factor n: one multiplication by
-    // n^-1 R^2 (Montgomery form of n^-1 R) takes both away.
-    const Limb scale = f.enter(f.enter(p - (p - 1) / n));
-    for (size_t i = 0; i < n; ++i)
-        out[i] = f.mul(out[i], scale);
+    backward(f, out, n, inverseTable);
+    // The values are n x R in Montgomery terms; one multiplication by n^-1 (plain) leaves x.
+    const Limb scale = field.p() - (field.p() - 1) / n;
+    const Limb p = field.p();
+    for (size_t i = 0; i < n; ++i) {
+        const Limb x = f.mul(out[i], scale);
+        out[i] = x >= p ? x - p : x;
+    }
+}
+
+// x mod p for x below a few times p, by subtraction.
+inline Limb reduceSmall(Limb x, Limb p) {
+    while (x >= p)
+        x -= p;
+    return x;
 }
 
 } // namespace
@@ -175,9 +213,9 @@ void mulNtt(Limb* r, const Limb* a, size_t an, const Limb* b, size_t bn) {
     std::fill(r, r + rn, Limb{0});
     for (size_t k = 0; k + 1 < rn; ++k) {
         const Limb r1 = residues[0][k], r2 = residues[1][k], r3 = residues[2][k];
-        const Limb v2 = f2.mul(f2.sub(r2, r1 % p2), inv12);
-        Limb t = f3.mul(f3.sub(r3, r1 % f3.p()), inv13);
-        const Limb v3 = f3.mul(f3.sub(t, v2 % f3.p()), inv23);
+        const Limb v2 = f2.mul(f2.sub(r2, reduceSmall(r1, p2)), inv12);
+        Limb t = f3.mul(f3.sub(r3, reduceSmall(r1, f3.p())), inv13);
+        const Limb v3 = f3.mul(f3.sub(t, reduceSmall(v2, f3.p())), inv23);
         Limb x[4];
         x[2] = mul1(x, p12, 2, v3);
         x[3] = 0;
