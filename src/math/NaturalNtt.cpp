@@ -146,42 +146,39 @@ void backward(const Lazy& f, Limb* a, size_t n, const Limb* table) {
     }
 }
 
-// The cyclic convolution of a and b modulo one prime, in out (n values, below p).
-void convolve(const Field& field, const Limb* a, size_t an, const Limb* b, size_t bn, bool square,
-              size_t n, Limb* out) {
-    const Lazy f(field);
-    // Limbs enter Montgomery form by one multiplication by R^2 mod p (a limb times a value
-    // below p is below 2^64 p), with no division.
-    const Limb r2 = field.r2();
-    std::fill(out + an, out + n, Limb{0});
-    for (size_t i = 0; i < an; ++i)
-        out[i] = f.mul(a[i], r2);
-    Limbs tables = allocate(2 * n);
-    Limb* table = tables.get();
-    Limb* inverseTable = table + n;
-    twiddles(field, n, table, inverseTable);
-    forward(f, out, n, table);
-    if (square) {
-        for (size_t i = 0; i < n; ++i)
-            out[i] = f.mul(out[i], out[i]);
-    } else {
-        Limbs other = allocate(n);
-        std::fill(other.get() + bn, other.get() + n, Limb{0});
-        for (size_t i = 0; i < bn; ++i)
-            other[i] = f.mul(b[i], r2);
-        forward(f, other.get(), n, table);
-        for (size_t i = 0; i < n; ++i)
-            out[i] = f.mul(out[i], other[i]);
+// One prime's transforms of length n: the twiddle tables and the lazily reduced arithmetic.
+struct Transform {
+    Transform(const Field& field, size_t n)
+        : field(field), f(field), n(n), tables(allocate(2 * n)) {
+        twiddles(field, n, tables.get(), tables.get() + n);
     }
-    backward(f, out, n, inverseTable);
-    // The values are n x R in Montgomery terms; one multiplication by n^-1 (plain) leaves x.
-    const Limb scale = field.p() - (field.p() - 1) / n;
-    const Limb p = field.p();
-    for (size_t i = 0; i < n; ++i) {
-        const Limb x = f.mul(out[i], scale);
-        out[i] = x >= p ? x - p : x;
+    // out = the transform of a's len limbs, zero-padded to n. Limbs enter Montgomery form by
+    // one multiplication by R^2 mod p (a limb times a value below p is below 2^64 p).
+    void in(const Limb* a, size_t len, Limb* out) const {
+        const Limb r2 = field.r2();
+        for (size_t i = 0; i < len; ++i)
+            out[i] = f.mul(a[i], r2);
+        std::fill(out + len, out + n, Limb{0});
+        forward(f, out, n, tables.get());
     }
-}
+    // x = the cyclic convolution whose transforms are x and y (y may be x), values below p.
+    void out(Limb* x, const Limb* y) const {
+        for (size_t i = 0; i < n; ++i)
+            x[i] = f.mul(x[i], y[i]);
+        backward(f, x, n, tables.get() + n);
+        // The values are n c R in Montgomery terms; one multiplication by n^-1 (plain) leaves c.
+        const Limb p = field.p();
+        const Limb scale = p - (p - 1) / n;
+        for (size_t i = 0; i < n; ++i) {
+            const Limb c = f.mul(x[i], scale);
+            x[i] = c >= p ? c - p : c;
+        }
+    }
+    const Field& field;
+    Lazy f;
+    size_t n;
+    Limbs tables;
+};
 
 // x mod p for x below a few times p, by subtraction.
 inline Limb reduceSmall(Limb x, Limb p) {
@@ -193,17 +190,51 @@ inline Limb reduceSmall(Limb x, Limb p) {
 } // namespace
 
 void mulNtt(Limb* r, const Limb* a, size_t an, const Limb* b, size_t bn) {
+    if (an < bn) {
+        std::swap(a, b);
+        std::swap(an, bn);
+    }
     const bool square = a == b && an == bn;
     const size_t rn = an + bn;
-    size_t n = 1;
-    while (n < rn - 1)
+    // The length: a power of two n, with a cut into pieces of n - bn + 1 limbs so that each
+    // piece's product with b fits n coefficients. b is transformed once, each piece forward and
+    // back; padding a product of 2^k + 1 coefficients to 2^(k+1) costs more than two pieces.
+    size_t n = 1, best = 0, pieces = 1;
+    double bestCost = 0;
+    while (n < bn + 1)
         n <<= 1;
+    for (;; n <<= 1) {
+        const size_t piece = n - bn + 1;
+        const size_t count = (an + piece - 1) / piece;
+        int log = 0;
+        while ((size_t{1} << log) < n)
+            ++log;
+        const double cost = static_cast<double>(n) * (log + 2) *
+                            static_cast<double>(square && count == 1 ? 2 : 1 + 2 * count);
+        if (!best || cost < bestCost) {
+            best = n;
+            bestCost = cost;
+            pieces = count;
+        }
+        if (count == 1)
+            break;
+    }
+    n = best;
+    const size_t piece = n - bn + 1;
+    const bool squaring = square && pieces == 1;
+
+    const Field &f1 = field(0), &f2 = field(1), &f3 = field(2);
+    const Transform transforms[3] = {Transform(f1, n), Transform(f2, n), Transform(f3, n)};
+    Limbs bTransforms[3];
+    if (!squaring) {
+        for (int i = 0; i < 3; ++i) {
+            bTransforms[i] = allocate(n);
+            transforms[i].in(b, bn, bTransforms[i].get());
+        }
+    }
     Limbs residues[3] = {allocate(n), allocate(n), allocate(n)};
-    for (int i = 0; i < 3; ++i)
-        convolve(field(i), a, an, b, bn, square, n, residues[i].get());
 
     // Garner: x = v1 + p1 v2 + p1 p2 v3.
-    const Field &f1 = field(0), &f2 = field(1), &f3 = field(2);
     const Limb p1 = f1.p(), p2 = f2.p();
     const Limb inv12 = f2.inverse(f2.enter(p1));
     const Limb inv13 = f3.inverse(f3.enter(p1));
@@ -211,19 +242,31 @@ void mulNtt(Limb* r, const Limb* a, size_t an, const Limb* b, size_t bn) {
     Limb p12[2];
     p12[0] = mulWide(p1, p2, p12[1]);
     std::fill(r, r + rn, Limb{0});
-    for (size_t k = 0; k + 1 < rn; ++k) {
-        const Limb r1 = residues[0][k], r2 = residues[1][k], r3 = residues[2][k];
-        const Limb v2 = f2.mul(f2.sub(r2, reduceSmall(r1, p2)), inv12);
-        Limb t = f3.mul(f3.sub(r3, reduceSmall(r1, f3.p())), inv13);
-        const Limb v3 = f3.mul(f3.sub(t, reduceSmall(v2, f3.p())), inv23);
-        Limb x[4];
-        x[2] = mul1(x, p12, 2, v3);
-        x[3] = 0;
-        Limb pv[2];
-        pv[0] = mulWide(p1, v2, pv[1]);
-        add(x, x, 4, pv, 2);
-        add1(x, x, 4, r1);
-        add(r + k, r + k, rn - k, x, std::min<size_t>(4, rn - k));
+    for (size_t at = 0; at < an; at += piece) {
+        const size_t len = std::min(piece, an - at);
+        for (int i = 0; i < 3; ++i) {
+            Limb* x = residues[i].get();
+            transforms[i].in(a + at, len, x);
+            transforms[i].out(x, squaring ? x : bTransforms[i].get());
+        }
+        // The piece's product, len + bn - 1 coefficients, added in at its place; the sum of
+        // all pieces is the product, so no carry leaves r.
+        Limb* to = r + at;
+        const size_t room = rn - at;
+        for (size_t k = 0; k + 1 < len + bn; ++k) {
+            const Limb r1 = residues[0][k], r2 = residues[1][k], r3 = residues[2][k];
+            const Limb v2 = f2.mul(f2.sub(r2, reduceSmall(r1, p2)), inv12);
+            Limb t = f3.mul(f3.sub(r3, reduceSmall(r1, f3.p())), inv13);
+            const Limb v3 = f3.mul(f3.sub(t, reduceSmall(v2, f3.p())), inv23);
+            Limb x[4];
+            x[2] = mul1(x, p12, 2, v3);
+            x[3] = 0;
+            Limb pv[2];
+            pv[0] = mulWide(p1, v2, pv[1]);
+            add(x, x, 4, pv, 2);
+            add1(x, x, 4, r1);
+            add(to + k, to + k, room - k, x, std::min<size_t>(4, room - k));
+        }
     }
 }
 
