@@ -114,7 +114,7 @@ void twiddles(const Field& f, size_t n, Limb* table, Limb* inverseTable) {
 // Decimation in frequency: natural order in, bit-reversed order out; values in [0, 2p).
 void forward(const Lazy& f, Limb* a, size_t n, const Limb* table) {
     const Limb twoP = f.twoP;
-    for (size_t len = n / 2; len >= 1; len >>= 1) {
+    for (size_t len = n / 2; len >= 2; len >>= 1) {
         const Limb* w = table + len;
         for (size_t i = 0; i < n; i += 2 * len) {
             Limb* x = a + i;
@@ -126,13 +126,25 @@ void forward(const Lazy& f, Limb* a, size_t n, const Limb* table) {
             }
         }
     }
+    // The last layer's only root is 1.
+    for (size_t i = 0; i + 1 < n; i += 2) {
+        const Limb u = a[i], v = a[i + 1];
+        a[i] = f.fold(u + v);
+        a[i + 1] = f.fold(u - v + twoP);
+    }
 }
 
 // Decimation in time with the inverse roots: bit-reversed order in, natural order out
 // (times n); values in [0, 2p).
 void backward(const Lazy& f, Limb* a, size_t n, const Limb* table) {
     const Limb twoP = f.twoP;
-    for (size_t len = 1; len < n; len <<= 1) {
+    // The first layer's only root is 1.
+    for (size_t i = 0; i + 1 < n; i += 2) {
+        const Limb u = a[i], v = a[i + 1];
+        a[i] = f.fold(u + v);
+        a[i + 1] = f.fold(u - v + twoP);
+    }
+    for (size_t len = 2; len < n; len <<= 1) {
         const Limb* w = table + len;
         for (size_t i = 0; i < n; i += 2 * len) {
             Limb* x = a + i;
