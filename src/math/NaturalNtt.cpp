@@ -112,7 +112,7 @@ void twiddles(const Field& f, size_t n, Limb* table, Limb* inverseTable) {
 }
 
 // Decimation in frequency: natural order in, bit-reversed order out; values in [0, 2p).
-void forward(const Lazy& f, Limb* a, size_t n, const Limb* table) {
+void forward(const Lazy f, Limb* a, size_t n, const Limb* table) {
     const Limb twoP = f.twoP;
     for (size_t len = n / 2; len >= 2; len >>= 1) {
         const Limb* w = table + len;
@@ -136,7 +136,7 @@ void forward(const Lazy& f, Limb* a, size_t n, const Limb* table) {
 
 // Decimation in time with the inverse roots: bit-reversed order in, natural order out
 // (times n); values in [0, 2p).
-void backward(const Lazy& f, Limb* a, size_t n, const Limb* table) {
+void backward(const Lazy f, Limb* a, size_t n, const Limb* table) {
     const Limb twoP = f.twoP;
     // The first layer's only root is 1.
     for (size_t i = 0; i + 1 < n; i += 2) {
@@ -167,6 +167,8 @@ struct Transform {
     // out = the transform of a's len limbs, zero-padded to n. Limbs enter Montgomery form by
     // one multiplication by R^2 mod p (a limb times a value below p is below 2^64 p).
     void in(const Limb* a, size_t len, Limb* out) const {
+        // Local copies: the compiler cannot keep members in registers across stores to limbs.
+        const Lazy f = this->f;
         const Limb r2 = field.r2();
         for (size_t i = 0; i < len; ++i)
             out[i] = f.mul(a[i], r2);
@@ -175,6 +177,7 @@ struct Transform {
     }
     // x = the cyclic convolution whose transforms are x and y (y may be x), values below p.
     void out(Limb* x, const Limb* y) const {
+        const Lazy f = this->f;
         for (size_t i = 0; i < n; ++i)
             x[i] = f.mul(x[i], y[i]);
         backward(f, x, n, tables.get() + n);
@@ -235,7 +238,7 @@ void mulNtt(Limb* r, const Limb* a, size_t an, const Limb* b, size_t bn) {
     const size_t piece = n - bn + 1;
     const bool squaring = square && pieces == 1;
 
-    const Field &f1 = field(0), &f2 = field(1), &f3 = field(2);
+    const Field f1 = field(0), f2 = field(1), f3 = field(2);
     const Transform transforms[3] = {Transform(f1, n), Transform(f2, n), Transform(f3, n)};
     Limbs bTransforms[3];
     if (!squaring) {
