@@ -112,18 +112,37 @@ void twiddles(const Field& f, size_t n, Limb* table, Limb* inverseTable) {
 }
 
 // Decimation in frequency: natural order in, bit-reversed order out; values in [0, 2p).
+// Two layers per pass (lengths len and len / 2 on four values at once) halve the passes over
+// memory; an odd layer left over is done alone.
 void forward(const Lazy f, Limb* a, size_t n, const Limb* table) {
     const Limb twoP = f.twoP;
-    for (size_t len = n / 2; len >= 2; len >>= 1) {
-        const Limb* w = table + len;
+    size_t len = n / 2;
+    for (; len >= 4; len >>= 2) {
+        const size_t half = len / 2;
+        const Limb* w1 = table + len;
+        const Limb* w2 = table + half;
         for (size_t i = 0; i < n; i += 2 * len) {
             Limb* x = a + i;
-            Limb* y = x + len;
-            for (size_t j = 0; j < len; ++j) {
-                const Limb u = x[j], v = y[j];
-                x[j] = f.fold(u + v);
-                y[j] = f.mul(u - v + twoP, w[j]);
+            for (size_t j = 0; j < half; ++j) {
+                const Limb a0 = x[j], a1 = x[j + half], a2 = x[j + len], a3 = x[j + len + half];
+                const Limb b0 = f.fold(a0 + a2), b2 = f.mul(a0 - a2 + twoP, w1[j]);
+                const Limb b1 = f.fold(a1 + a3), b3 = f.mul(a1 - a3 + twoP, w1[j + half]);
+                x[j] = f.fold(b0 + b1);
+                x[j + half] = f.mul(b0 - b1 + twoP, w2[j]);
+                x[j + len] = f.fold(b2 + b3);
+                x[j + len + half] = f.mul(b2 - b3 + twoP, w2[j]);
             }
+        }
+    }
+    if (len == 2) {
+        const Limb w = table[3];
+        for (size_t i = 0; i < n; i += 4) {
+            Limb* x = a + i;
+            const Limb u0 = x[0], v0 = x[2], u1 = x[1], v1 = x[3];
+            x[0] = f.fold(u0 + v0);
+            x[2] = f.fold(u0 - v0 + twoP); // the root w^0 = 1
+            x[1] = f.fold(u1 + v1);
+            x[3] = f.mul(u1 - v1 + twoP, w);
         }
     }
     // The last layer's only root is 1.
@@ -135,7 +154,7 @@ void forward(const Lazy f, Limb* a, size_t n, const Limb* table) {
 }
 
 // Decimation in time with the inverse roots: bit-reversed order in, natural order out
-// (times n); values in [0, 2p).
+// (times n); values in [0, 2p). Two layers per pass as in forward.
 void backward(const Lazy f, Limb* a, size_t n, const Limb* table) {
     const Limb twoP = f.twoP;
     // The first layer's only root is 1.
@@ -144,16 +163,34 @@ void backward(const Lazy f, Limb* a, size_t n, const Limb* table) {
         a[i] = f.fold(u + v);
         a[i + 1] = f.fold(u - v + twoP);
     }
-    for (size_t len = 2; len < n; len <<= 1) {
-        const Limb* w = table + len;
-        for (size_t i = 0; i < n; i += 2 * len) {
+    size_t len = 2;
+    for (; 4 * len <= n; len <<= 2) {
+        const Limb* w1 = table + len;
+        const Limb* w2 = table + 2 * len;
+        for (size_t i = 0; i < n; i += 4 * len) {
             Limb* x = a + i;
-            Limb* y = x + len;
             for (size_t j = 0; j < len; ++j) {
-                const Limb u = x[j], v = f.mul(y[j], w[j]);
-                x[j] = f.fold(u + v);
-                y[j] = f.fold(u - v + twoP);
+                const Limb a0 = x[j], a1 = x[j + len], a2 = x[j + 2 * len], a3 = x[j + 3 * len];
+                Limb v = f.mul(a1, w1[j]);
+                const Limb b0 = f.fold(a0 + v), b1 = f.fold(a0 - v + twoP);
+                v = f.mul(a3, w1[j]);
+                const Limb b2 = f.fold(a2 + v), b3 = f.fold(a2 - v + twoP);
+                v = f.mul(b2, w2[j]);
+                x[j] = f.fold(b0 + v);
+                x[j + 2 * len] = f.fold(b0 - v + twoP);
+                v = f.mul(b3, w2[j + len]);
+                x[j + len] = f.fold(b1 + v);
+                x[j + 3 * len] = f.fold(b1 - v + twoP);
             }
+        }
+    }
+    if (len < n) {
+        const Limb* w = table + len;
+        Limb* y = a + len;
+        for (size_t j = 0; j < len; ++j) {
+            const Limb u = a[j], v = f.mul(y[j], w[j]);
+            a[j] = f.fold(u + v);
+            y[j] = f.fold(u - v + twoP);
         }
     }
 }
