@@ -111,6 +111,17 @@ void twiddles(const Field& f, size_t n, Limb* table, Limb* inverseTable) {
     }
 }
 
+// The layer of half-length 1, the same forward and backward: its only root is 1, so it adds and
+// subtracts without a multiplication.
+void unitLayer(const Lazy f, Limb* a, size_t n) {
+    const Limb twoP = f.twoP;
+    for (size_t i = 0; i + 1 < n; i += 2) {
+        const Limb u = a[i], v = a[i + 1];
+        a[i] = f.fold(u + v);
+        a[i + 1] = f.fold(u - v + twoP);
+    }
+}
+
 // Decimation in frequency: natural order in, bit-reversed order out; values in [0, 2p).
 // Two layers per pass (lengths len and len / 2 on four values at once) halve the passes over
 // memory; an odd layer left over is done alone.
@@ -145,24 +156,14 @@ void forward(const Lazy f, Limb* a, size_t n, const Limb* table) {
             x[3] = f.mul(u1 - v1 + twoP, w);
         }
     }
-    // The last layer's only root is 1.
-    for (size_t i = 0; i + 1 < n; i += 2) {
-        const Limb u = a[i], v = a[i + 1];
-        a[i] = f.fold(u + v);
-        a[i + 1] = f.fold(u - v + twoP);
-    }
+    unitLayer(f, a, n);
 }
 
 // Decimation in time with the inverse roots: bit-reversed order in, natural order out
 // (times n); values in [0, 2p). Two layers per pass as in forward.
 void backward(const Lazy f, Limb* a, size_t n, const Limb* table) {
     const Limb twoP = f.twoP;
-    // The first layer's only root is 1.
-    for (size_t i = 0; i + 1 < n; i += 2) {
-        const Limb u = a[i], v = a[i + 1];
-        a[i] = f.fold(u + v);
-        a[i + 1] = f.fold(u - v + twoP);
-    }
+    unitLayer(f, a, n);
     size_t len = 2;
     for (; 4 * len <= n; len <<= 2) {
         const Limb* w1 = table + len;
