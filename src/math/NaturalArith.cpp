@@ -6,9 +6,9 @@
 namespace qn::math::nat {
 
 // Crossovers measured on x86-64 (g++ -O2, 2-core Xeon): Karatsuba from 32 limbs, Toom-3 from
-// 200, transforms from 5000; recursive division from 60 quotient limbs; radix conversion by
+// 200, transforms from 3500; recursive division from 60 quotient limbs; radix conversion by
 // halves from 24 limbs.
-Thresholds thresholds = {32, 200, 5000, 60, 24};
+Thresholds thresholds = {32, 200, 3500, 60, 24};
 
 Limb divWidePortable(Limb high, Limb low, Limb d, Limb& rem) {
     // Normalize, then two steps of one 32-bit quotient digit each, as in long division.

@@ -214,13 +214,23 @@ TEST(BigInteger, MultiplicationAlgorithmsAgree) {
         }
     }
     // Products by transforms against the same products built from Toom-3 sized pieces.
-    for (int n : {4900, 5100, 7000}) {
+    for (int n : {3400, 3600, 5100, 7000}) {
         const BigInteger a = numbers.next(n), b = numbers.next(n - 3);
         const BigInteger low = b.and_(BigInteger(1).shiftLeft(64 * 900).subtract(BigInteger(1)));
         const BigInteger high = b.subtract(low);
         ASSERT_EQ(a.multiply(b),
                   a.multiply(low).add(a.multiply(high.shiftRight(64 * 900)).shiftLeft(64 * 900)));
         ASSERT_EQ(a.multiply(a), a.multiply(BigInteger(a.toString(16), 16)));
+    }
+    // All-ones limbs give the largest convolution coefficients the transforms must carry:
+    // (2^m - 1)^2 = 2^2m - 2^(m+1) + 1 and (2^m - 1)(2^k - 1) = 2^(m+k) - 2^m - 2^k + 1.
+    for (int limbs : {5000, 6000, 8192}) {
+        const int m = 64 * limbs, k = 64 * (limbs - 7);
+        const BigInteger one(1), ones = one.shiftLeft(m).subtract(one);
+        const BigInteger fewer = one.shiftLeft(k).subtract(one);
+        ASSERT_EQ(ones.multiply(ones), one.shiftLeft(2 * m).subtract(one.shiftLeft(m + 1)).add(one));
+        ASSERT_EQ(ones.multiply(fewer),
+                  one.shiftLeft(m + k).subtract(one.shiftLeft(m)).subtract(one.shiftLeft(k)).add(one));
     }
     // (10^k - 1)^2 = 10^2k - 2 10^k + 1 in decimal digits: 9...980...01.
     const BigInteger nines = BigInteger(10).pow(5000).subtract(BigInteger(1));
