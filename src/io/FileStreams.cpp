@@ -57,9 +57,15 @@ long FileInputStream::read(signed char* buf, long len) {
 }
 
 long FileInputStream::available() {
+    // A pipe, a terminal or a socket cannot seek and has no size: nothing is known to be
+    // available without blocking, so 0 rather than a failure.
+    // A closed stream still fails as it always did.
     int64_t position = 0, size = 0;
-    check(QNFileSeek64(m_handle, 0, QN_SEEK_CURRENT, &position));
-    check(QNFileGetSize(m_handle, &size));
+    const QNRESULT sought = QNFileSeek64(m_handle, 0, QN_SEEK_CURRENT, &position);
+    if (m_handle == QN_INVALID_FILE)
+        check(sought);
+    if (QN_FAILED(sought) || QN_FAILED(QNFileGetSize(m_handle, &size)) || size < position)
+        return 0;
     return clampToLong(size - position);
 }
 

@@ -21,6 +21,11 @@ InputStreamReader::InputStreamReader(InputStream* in, const char16_t* encoding, 
       m_size(std::max({size, MIN_BYTE_BUFFER, m_converter->getMaxBytesPerChar()})),
       m_buffer(new signed char[m_size]) {}
 
+InputStreamReader::InputStreamReader(InputStream* in, ByteToCharConverter* converter, long size)
+    : m_in(checkStream(in)), m_converter(checkStream(converter)),
+      m_size(std::max({size, MIN_BYTE_BUFFER, m_converter->getMaxBytesPerChar()})),
+      m_buffer(new signed char[m_size]) {}
+
 InputStreamReader::~InputStreamReader() = default;
 
 void InputStreamReader::checkOpen() const {
@@ -76,6 +81,7 @@ long InputStreamReader::read(char16_t* buf, long len) {
                 return produced; // nothing now; the caller may come back
             } else {
                 m_count += n;
+                m_read += n;
                 incomplete = false;
             }
         }
@@ -83,6 +89,9 @@ long InputStreamReader::read(char16_t* buf, long len) {
             if (m_pos >= m_count)
                 break;
             if (incomplete) {
+                if (!m_converter->getSubstitutionMode())
+                    throw text::charset::InvalidCharacterException(
+                        String(u"incomplete sequence at the end of the input"));
                 // Cut off by the end of the input: each byte stands for one lost character.
                 buf[produced++] = 0xFFFD;
                 ++m_pos;
@@ -135,6 +144,12 @@ OutputStreamWriter::OutputStreamWriter(OutputStream* out, const char16_t* encodi
       m_size(std::max({size, MIN_BYTE_BUFFER, m_converter->getMaxBytesPerChar()})),
       m_buffer(new signed char[m_size]) {}
 
+OutputStreamWriter::OutputStreamWriter(OutputStream* out, CharToByteConverter* converter,
+                                       long size)
+    : m_out(checkStream(out)), m_converter(checkStream(converter)),
+      m_size(std::max({size, MIN_BYTE_BUFFER, m_converter->getMaxBytesPerChar()})),
+      m_buffer(new signed char[m_size]) {}
+
 OutputStreamWriter::~OutputStreamWriter() = default;
 
 void OutputStreamWriter::checkOpen() const {
@@ -174,7 +189,20 @@ void OutputStreamWriter::encode(const char16_t* in, long len) {
             writeBuffered();
         const long end = std::min(len, pos + std::max(2L, (m_size - m_count) / longest));
         const long before = pos;
-        const long n = m_converter->convert(in, &pos, end, m_buffer.get(), &m_count, m_size);
+        long n = 0;
+        try {
+            n = m_converter->convert(in, &pos, end, m_buffer.get(), &m_count, m_size);
+        } catch (const Exception&) {
+            taken(in, before, pos);
+            // An encoder holding a high surrogate fails at the unit after it: the fault is the
+            // surrogate's.
+            const char16_t previous = pos > 0 ? in[pos - 1] : m_last;
+            if (previous >= 0xD800 && previous <= 0xDBFF &&
+                (pos == len || in[pos] < 0xDC00 || in[pos] > 0xDFFF) && m_encoded > 0)
+                --m_encoded;
+            throw;
+        }
+        taken(in, before, pos);
         if (n == 0 && pos == before) {
             if (m_count > 0) {
                 writeBuffered();
@@ -188,6 +216,12 @@ void OutputStreamWriter::encode(const char16_t* in, long len) {
     }
 }
 
+void OutputStreamWriter::taken(const char16_t* in, long from, long to) {
+    m_encoded += to - from;
+    if (to > from)
+        m_last = in[to - 1];
+}
+
 void OutputStreamWriter::flush() {
     checkOpen();
     if (!m_carried.empty()) {
@@ -196,7 +230,14 @@ void OutputStreamWriter::flush() {
             String(u"leading surrogate without trailing"));
     }
     for (;;) {
-        m_converter->flush(m_buffer.get(), &m_count, m_size);
+        try {
+            m_converter->flush(m_buffer.get(), &m_count, m_size);
+        } catch (const Exception&) {
+            // What the converter still held is the last unit taken in.
+            if (m_encoded > 0)
+                --m_encoded;
+            throw;
+        }
         if (m_count == 0)
             break;
         writeBuffered();

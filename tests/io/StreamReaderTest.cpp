@@ -232,3 +232,96 @@ TEST(OutputStreamWriter, BuffersUntilFullOrFlushAndDropsAtClose) {
              [&] { out->write(u"x", 1); }, [&] { out->flush(); }, [&] { out->getEncodingName(); }})
         EXPECT_EQ(messageOf(op), u"stream closed");
 }
+
+TEST(InputStreamReader, OwnConverterReportsWhereDecodingStopped) {
+    struct Case {
+        Bytes data;
+        bool substitute;
+        std::u16string before; // what the reads deliver up to the failure
+        long long offset;      // -1: no failure
+        std::u16string problem;
+    };
+    const Bytes ascii(300, 'a');
+    Bytes invalid = ascii;
+    for (int b : {0xED, 0xA0, 0x80, 0x7A})
+        invalid.push_back(static_cast<signed char>(b));
+    const Case cases[] = {
+        // Far into the input, past several buffers and uneven reads.
+        {invalid, true, {}, 300, u"Invalid UTF-8 sequence (decoded chars in surrogate range)"},
+        // Cut off by the end: substituted, or a failure at its first byte without substitution.
+        {utf8("ab\xE2\x82"), true, u"ab\uFFFD\uFFFD", -1, {}},
+        {utf8("ab\xE2\x82"), false, {}, 2, u"incomplete sequence at the end of the input"},
+        // A sequence split across reads is no failure.
+        {utf8("ab\xE2\x82\xAC"), false, u"ab\u20AC", -1, {}},
+    };
+    for (const Case& c : cases) {
+        Reference<ByteToCharConverter> converter = ByteToCharConverter::getConverter(u"UTF-8");
+        converter->setSubstitutionMode(c.substitute);
+        Reference<InputStreamReader> in = new InputStreamReader(
+            new ScriptedInputStream(c.data, {50, 3, 1, 64, 64, 64, 64, 64}), converter.get(), 16);
+        EXPECT_EQ(in->getBytesDecoded(), 0);
+        if (c.offset < 0) {
+            EXPECT_EQ(readAll(*in, 8), c.before);
+            EXPECT_EQ(in->getBytesDecoded(), static_cast<long long>(c.data.size()));
+            continue;
+        }
+        EXPECT_EQ(messageOf([&] { readAll(*in, 8); }), c.problem);
+        EXPECT_EQ(in->getBytesDecoded(), c.offset) << c.data.size();
+    }
+
+    // Unmappable input without substitution: the offset of the unit, in a multi-byte encoding.
+    Reference<ByteToCharConverter> utf32 = ByteToCharConverter::getConverter(u"UTF-32BE");
+    utf32->setSubstitutionMode(false);
+    Reference<InputStreamReader> in = new InputStreamReader(
+        new ScriptedInputStream(bytes({0, 0, 0, 'a', 0, 0x11, 0, 0}), {5, 3}), utf32.get());
+    EXPECT_THROW(readAll(*in, 8), UnmappableCharacterException);
+    EXPECT_EQ(in->getBytesDecoded(), 4);
+    // The stream is released when the converter is missing.
+    try {
+        InputStreamReader(new ScriptedInputStream({}), static_cast<ByteToCharConverter*>(nullptr));
+        ADD_FAILURE();
+    } catch (const ResultException& e) {
+        EXPECT_EQ(e.getResult(), static_cast<QNRESULT>(0x80004003));
+    }
+}
+
+TEST(OutputStreamWriter, OwnConverterCountsTheCharactersItTookIn) {
+    // Unmappable after characters written in several writes, across full buffers.
+    Reference<CharToByteConverter> latin1 = CharToByteConverter::getConverter(u"ISO8859_1");
+    latin1->setSubstitutionMode(false);
+    auto* sink = new RecordingOutputStream;
+    Reference<OutputStreamWriter> out = new OutputStreamWriter(sink, latin1.get(), 8);
+    for (int i = 0; i < 5; ++i)
+        out->write(u"\u00E9bcdefg", 7);
+    EXPECT_EQ(out->getCharsEncoded(), 35);
+    EXPECT_THROW(out->write(u"ab\u20ACc", 4), UnmappableCharacterException);
+    EXPECT_EQ(out->getCharsEncoded(), 37);
+
+    // Substitution on: nothing fails and everything counts.
+    Reference<OutputStreamWriter> lenient =
+        new OutputStreamWriter(new RecordingOutputStream, CharToByteConverter::getConverter(u"ISO8859_1").get());
+    lenient->write(u"a\u20ACb", 3);
+    lenient->flush();
+    EXPECT_EQ(lenient->getCharsEncoded(), 3);
+
+    // A lone high surrogate fails at its own place: followed by another unit, or at the end.
+    struct Case {
+        std::vector<std::u16string> writes;
+        long long offset;
+    };
+    for (const char16_t* encoding : {u"UTF-8", u"AMP-7"}) {
+        for (const Case& c : {Case{{u"a", u"\xD800" u"b"}, 1}, Case{{u"a\xD800", u"b"}, 1},
+                              Case{{u"ab", u"\xD800"}, 2}, Case{{u"ab\xD800"}, 2}}) {
+            Reference<OutputStreamWriter> w = new OutputStreamWriter(
+                new RecordingOutputStream, CharToByteConverter::getConverter(encoding).get());
+            EXPECT_EQ(messageOf([&] {
+                          for (const std::u16string& text : c.writes)
+                              w->write(text.data(), static_cast<long>(text.size()));
+                          w->flush();
+                      }),
+                      u"leading surrogate without trailing");
+            EXPECT_EQ(w->getCharsEncoded(), c.offset)
+                << std::string(encoding, encoding + 5).c_str() << " " << c.writes.size();
+        }
+    }
+}

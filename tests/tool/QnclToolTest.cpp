@@ -188,6 +188,34 @@ TEST_F(QnclToolTest, ConvertTranslatesBetweenEncodings) {
     EXPECT_EQ(entries(), (std::vector<std::string>{"in", "out", "utf16"}));
 }
 
+#if !defined(_WIN32)
+TEST_F(QnclToolTest, ConvertReadsAPipe) {
+    // More than a pipe holds, so the reader waits on it between reads; then a fault behind it.
+    std::string text, expected;
+    for (int i = 0; i < 50000; ++i) {
+        text += "\xC3\xA9z";
+        expected += std::string("\xE9\0z\0", 4);
+    }
+    for (const std::string& tail : {std::string(), std::string("\xED\xA0\x80")}) {
+        writeFile(file("in"), text + tail);
+        const std::string command = "cat " + arg("in") + " | " + quote(tool()) +
+                                    " convert --from UTF-8 --to UTF-16LE >" + arg("out") +
+                                    " 2>" + arg("err");
+        const int status = std::system(command.c_str());
+        ASSERT_TRUE(WIFEXITED(status));
+        if (tail.empty()) {
+            EXPECT_EQ(WEXITSTATUS(status), 0) << readFile(file("err"));
+            EXPECT_TRUE(readFile(file("out")) == expected) << readFile(file("out")).size();
+        } else {
+            EXPECT_EQ(WEXITSTATUS(status), 1);
+            EXPECT_TRUE(contains(readFile(file("err")),
+                                 "-: cannot decode UTF-8 at input byte offset 150000: "))
+                << readFile(file("err"));
+        }
+    }
+}
+#endif
+
 TEST_F(QnclToolTest, ConvertSubstitutesUnlessStrict) {
     Result r = qncl("convert -f utf-8 -t ascii", "a\xE2\x82\xAC"
                                                  "b");

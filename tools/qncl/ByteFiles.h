@@ -22,6 +22,8 @@ public:
     ByteInput(const ByteInput&) = delete;
     ByteInput& operator=(const ByteInput&) = delete;
 
+    // The stream the input is read through; its failures carry no file name.
+    qn::io::FileInputStream& stream() { return *m_stream; }
     // Up to size bytes; 0 only at the end of the input, or once closed.
     size_t read(unsigned char* buffer, size_t size);
     // Lets the file go before its end: a file open for reading cannot be replaced on every

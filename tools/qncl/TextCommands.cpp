@@ -1,13 +1,14 @@
-// convert and encodings: the library's converters over files or the standard streams, and the
-// names the codec manager and the encoding-information table know.
+// convert and encodings: the library's readers and writers over files or the standard streams,
+// and the names the codec manager and the encoding-information table know.
 #include "ByteFiles.h"
 
+#include "qn/io/InputStreamReader.h"
+#include "qn/io/OutputStreamWriter.h"
 #include "qn/text/charset/ByteToCharConverter.h"
 #include "qn/text/charset/CharToByteConverter.h"
 #include "qn/text/charset/CodecManager.h"
 #include "qn/text/charset/QnEncInfo.h"
 
-#include <cstring>
 #include <memory>
 #include <vector>
 
@@ -21,20 +22,10 @@ using qn::text::charset::CharToByteConverter;
 using qn::text::charset::CodecClasses;
 using qn::text::charset::CodecManager;
 
-constexpr long BYTE_CHUNK = 256 * 1024;
-// Room for what one chunk decodes to: no shipped decoder makes more than four characters of a
-// byte, and a plug-in that does simply takes more rounds.
-constexpr long CHAR_CHUNK = 4 * BYTE_CHUNK;
-// Room for what one chunk of characters encodes to, in the same spirit.
-constexpr long OUT_CHUNK = 4 * BYTE_CHUNK;
-
-bool isHighSurrogate(char16_t c) {
-    return c >= 0xD800 && c <= 0xDBFF;
-}
-
-bool isLowSurrogate(char16_t c) {
-    return c >= 0xDC00 && c <= 0xDFFF;
-}
+// The reader's and the writer's byte buffers, and how many characters go from one to the
+// other at a time.
+constexpr long BYTE_BUFFER = 256 * 1024;
+constexpr long CHAR_CHUNK = 64 * 1024;
 
 bool isDataFault(const qn::Exception& e) {
     return dynamic_cast<const qn::text::charset::InvalidCharacterException*>(&e) ||
@@ -56,138 +47,92 @@ template <class Converter> Reference<Converter> converterFor(const String& name)
     }
 }
 
-// Decodes the input chunk by chunk and encodes what each chunk gave, keeping the offsets a
-// failure is reported at: bytes of input consumed, characters handed to the encoder.
-class Conversion {
+// The tool's output as a stream for the writer: its bytes go to the target's temporary file or
+// to standard output, and only commit() makes them final.
+class ToolOutputStream : public qn::io::OutputStream {
 public:
-    Conversion(ByteInput& input, ByteOutput& output, ByteToCharConverter& decoder,
-               CharToByteConverter& encoder)
-        : m_input(input), m_output(output), m_decoder(decoder), m_encoder(encoder),
-          m_bytes(new signed char[BYTE_CHUNK]), m_chars(new char16_t[CHAR_CHUNK]),
-          m_out(new signed char[OUT_CHUNK]) {}
+    explicit ToolOutputStream(ByteOutput& output) : m_output(output) {}
 
-    void run() {
-        long held = 0;
-        for (;;) {
-            const size_t done = m_input.read(reinterpret_cast<unsigned char*>(m_bytes.get()) + held,
-                                             static_cast<size_t>(BYTE_CHUNK - held));
-            if (done == 0)
-                break;
-            held += static_cast<long>(done);
-            held = decode(held);
-        }
-        // What is left is the start of a sequence the input ends inside.
-        while (held > 0) {
-            if (!m_decoder.getSubstitutionMode())
-                throw ConversionFailure(
-                    decodingMessage("incomplete sequence at the end of the input", m_byteOffset));
-            // Each byte of it becomes one replacement character, as the readers do.
-            const char16_t replacement = u'\uFFFD';
-            encode(&replacement, 1);
-            std::memmove(m_bytes.get(), m_bytes.get() + 1, static_cast<size_t>(held - 1));
-            ++m_byteOffset;
-            held = decode(held - 1);
-        }
-        long charCount = 0;
-        m_decoder.flush(m_chars.get(), &charCount, CHAR_CHUNK);
-        encode(m_chars.get(), charCount);
-        finishEncoding();
+    using qn::io::OutputStream::write;
+    void write(const signed char* buf, long len) override {
+        if (len > 0)
+            m_output.write(reinterpret_cast<const unsigned char*>(buf), static_cast<size_t>(len));
     }
 
 private:
-    // Converts m_bytes[0, held), moves what stays unconsumed to the front and returns its size.
-    long decode(long held) {
-        long inPos = 0;
+    ByteOutput& m_output;
+};
+
+// Decodes the input through an InputStreamReader and encodes the characters through an
+// OutputStreamWriter, flushed at the end; a failure names the input byte offset (decoding) or
+// the character offset (encoding) the reader or the writer stopped at.
+class Conversion {
+public:
+    Conversion(ByteInput& input, ByteOutput& output, ByteToCharConverter* decoder,
+               CharToByteConverter* encoder)
+        : m_input(input), m_decoder(decoder), m_encoder(encoder),
+          m_reader(new qn::io::InputStreamReader(&input.stream(), decoder, BYTE_BUFFER)),
+          m_writer(new qn::io::OutputStreamWriter(new ToolOutputStream(output), encoder,
+                                                  BYTE_BUFFER)),
+          m_chars(new char16_t[CHAR_CHUNK]) {}
+
+    void run() {
         for (;;) {
-            long outPos = 0;
-            const long before = inPos;
-            try {
-                m_decoder.convert(m_bytes.get(), &inPos, held, m_chars.get(), &outPos, CHAR_CHUNK);
-            } catch (const qn::Exception& e) {
-                if (!isDataFault(e))
-                    throw;
-                encode(m_chars.get(), outPos);
-                throw ConversionFailure(decodingMessage(describe(e), m_byteOffset + inPos));
-            }
-            encode(m_chars.get(), outPos);
-            // Done with this chunk, or the rest is a sequence the next bytes complete.
-            if (inPos == held || (inPos == before && outPos == 0))
+            const long count = read();
+            if (count < 0)
                 break;
+            write(m_chars.get(), count);
         }
-        std::memmove(m_bytes.get(), m_bytes.get() + inPos, static_cast<size_t>(held - inPos));
-        m_byteOffset += inPos;
-        return held - inPos;
+        write(nullptr, 0);
     }
 
-    void encode(const char16_t* chars, long count) {
-        long inPos = 0;
-        while (inPos < count) {
-            long outPos = 0;
-            const long before = inPos;
-            try {
-                m_encoder.convert(chars, &inPos, count, m_out.get(), &outPos, OUT_CHUNK);
-            } catch (const qn::Exception& e) {
-                if (!isDataFault(e))
-                    throw;
-                m_output.write(reinterpret_cast<unsigned char*>(m_out.get()),
-                               static_cast<size_t>(outPos));
-                // An encoder holding a high surrogate fails at the unit after it; the fault is
-                // the surrogate's.
-                long long at = m_charOffset + inPos;
-                const char16_t previous = inPos > 0 ? chars[inPos - 1] : m_lastChar;
-                if (isHighSurrogate(previous) && (inPos == count || !isLowSurrogate(chars[inPos])))
-                    --at;
-                throw ConversionFailure(encodingMessage(describe(e), at));
-            }
-            m_output.write(reinterpret_cast<unsigned char*>(m_out.get()),
-                           static_cast<size_t>(outPos));
-            if (inPos == before && outPos == 0)
+private:
+    long read() {
+        try {
+            return m_reader->read(m_chars.get(), CHAR_CHUNK);
+        } catch (const qn::ResultException& e) {
+            if (isDataFault(e))
                 throw ConversionFailure(
-                    encodingMessage("no room for one character's bytes", m_charOffset + inPos));
+                    decodingMessage(describe(e), m_reader->getBytesDecoded()));
+            throw qn::ResultException(e.getResult(), wide(utf8(m_input.name()) +
+                                                          ": cannot read: " + describe(e)));
+        } catch (const qn::Exception& e) {
+            if (!isDataFault(e))
+                throw;
+            throw ConversionFailure(decodingMessage(describe(e), m_reader->getBytesDecoded()));
         }
-        m_charOffset += count;
-        if (count > 0)
-            m_lastChar = chars[count - 1];
     }
 
-    // Whatever the encoder still holds (a high surrogate the input ended after).
-    void finishEncoding() {
-        for (;;) {
-            long outPos = 0;
-            try {
-                m_encoder.flush(m_out.get(), &outPos, OUT_CHUNK);
-            } catch (const qn::Exception& e) {
-                if (!isDataFault(e))
-                    throw;
-                throw ConversionFailure(encodingMessage(describe(e), m_charOffset - 1));
-            }
-            if (outPos == 0)
-                return;
-            m_output.write(reinterpret_cast<unsigned char*>(m_out.get()),
-                           static_cast<size_t>(outPos));
+    // Writes count characters; with none, flushes the writer at the end of the input.
+    void write(const char16_t* chars, long count) {
+        try {
+            if (chars)
+                m_writer->write(chars, count);
+            else
+                m_writer->flush();
+        } catch (const qn::Exception& e) {
+            if (!isDataFault(e))
+                throw;
+            throw ConversionFailure(encodingMessage(describe(e), m_writer->getCharsEncoded()));
         }
     }
 
     std::string decodingMessage(const std::string& problem, long long offset) const {
-        return utf8(m_input.name()) + ": cannot decode " + utf8(m_decoder.getEncodingName()) +
+        return utf8(m_input.name()) + ": cannot decode " + utf8(m_decoder->getEncodingName()) +
                " at input byte offset " + std::to_string(offset) + ": " + problem;
     }
 
     std::string encodingMessage(const std::string& problem, long long offset) const {
-        return utf8(m_input.name()) + ": cannot encode " + utf8(m_encoder.getEncodingName()) +
+        return utf8(m_input.name()) + ": cannot encode " + utf8(m_encoder->getEncodingName()) +
                " at character offset " + std::to_string(offset) + ": " + problem;
     }
 
     ByteInput& m_input;
-    ByteOutput& m_output;
-    ByteToCharConverter& m_decoder;
-    CharToByteConverter& m_encoder;
-    std::unique_ptr<signed char[]> m_bytes;
+    ByteToCharConverter* m_decoder;
+    CharToByteConverter* m_encoder;
+    Reference<qn::io::InputStreamReader> m_reader;
+    Reference<qn::io::OutputStreamWriter> m_writer;
     std::unique_ptr<char16_t[]> m_chars;
-    std::unique_ptr<signed char[]> m_out;
-    long long m_byteOffset = 0;
-    long long m_charOffset = 0;
-    char16_t m_lastChar = 0;
 };
 
 void declareConvert(CommandLineParser& parser) {
@@ -220,7 +165,7 @@ int runConvert(const CommandLineParser& parser, const std::string& program) {
     try {
         ByteInput input(inputName);
         ByteOutput output(outputName);
-        Conversion(input, output, *decoder, *encoder).run();
+        Conversion(input, output, decoder.get(), encoder.get()).run();
         input.close();
         output.commit();
     } catch (const qn::Exception& e) {

@@ -23,7 +23,8 @@ public:
     using InputStream::read;
     // One read of up to len bytes: the count, or -1 at the end of the file (len below 1: 0).
     long read(signed char* buf, long len) override;
-    // The bytes between the position and the end of the file (at most the largest long).
+    // The bytes between the position and the end of the file (at most the largest long); 0 for a
+    // handle that cannot seek (a pipe, a terminal), where nothing is known to be waiting.
     long available() override;
     // Closes an owned, open handle; the handle is -1 afterwards either way, so a second close
     // does nothing.

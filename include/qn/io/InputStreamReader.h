@@ -17,6 +17,7 @@
 #include "qn/io/Reader.h"
 #include "qn/text/charset/ByteToCharConverter.h"
 
+#include <cstddef>
 #include <memory>
 
 namespace qn::io {
@@ -31,6 +32,16 @@ public:
     // 0x80004003.
     InputStreamReader(InputStream* in, const char16_t* encoding = nullptr,
                       long size = DEFAULT_BUFFER_SIZE);
+    // Decodes through the caller's converter (a counted reference is taken), so its settings
+    // hold: with substitution off, unmappable input throws, and so does a sequence cut off by
+    // the end of the stream, InvalidCharacterException "incomplete sequence at the end of the
+    // input", with getBytesDecoded() at its first byte. A converter in the middle of a sequence
+    // goes on with it. in or converter null: ResultException 0x80004003.
+    InputStreamReader(InputStream* in, text::charset::ByteToCharConverter* converter,
+                      long size = DEFAULT_BUFFER_SIZE);
+    // A bare null still means the default encoding.
+    InputStreamReader(InputStream* in, std::nullptr_t, long size = DEFAULT_BUFFER_SIZE)
+        : InputStreamReader(in, static_cast<const char16_t*>(nullptr), size) {}
     ~InputStreamReader() override;
 
     // Every operation on a closed reader but close throws IoException "stream closed".
@@ -45,6 +56,10 @@ public:
     // The converter's canonical name, e.g. "UTF-8".
     const char16_t* getEncodingName() const;
     long getBufferSize() const { return m_size; }
+    // The bytes read from the stream that the converter has taken in, excluding those still in
+    // the buffer. After a decoding exception it is the offset of the offending sequence in the
+    // stream (counted from where the reader started), since the converter stops at its start.
+    long long getBytesDecoded() const { return m_read - (m_count - m_pos); }
 
 private:
     void checkOpen() const;
@@ -65,6 +80,8 @@ private:
     long m_pos = 0;
     long m_count = 0;
     bool m_eof = false;
+    // Every byte read from the stream so far.
+    long long m_read = 0;
     // Decoded characters the caller had no room for.
     char16_t m_kept[MAX_RESULT] = {};
     long m_keptPos = 0;

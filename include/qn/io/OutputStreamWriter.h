@@ -15,6 +15,7 @@
 #include "qn/io/Writer.h"
 #include "qn/text/charset/CharToByteConverter.h"
 
+#include <cstddef>
 #include <memory>
 #include <string>
 
@@ -29,6 +30,14 @@ public:
     // converter's longest sequence. out must not be null: ResultException 0x80004003.
     OutputStreamWriter(OutputStream* out, const char16_t* encoding = nullptr,
                        long size = DEFAULT_BUFFER_SIZE);
+    // Encodes through the caller's converter (a counted reference is taken), so its settings
+    // hold: with substitution off, an unmappable character throws. out or converter null:
+    // ResultException 0x80004003.
+    OutputStreamWriter(OutputStream* out, text::charset::CharToByteConverter* converter,
+                       long size = DEFAULT_BUFFER_SIZE);
+    // A bare null still means the default encoding.
+    OutputStreamWriter(OutputStream* out, std::nullptr_t, long size = DEFAULT_BUFFER_SIZE)
+        : OutputStreamWriter(out, static_cast<const char16_t*>(nullptr), size) {}
     ~OutputStreamWriter() override;
 
     // Every operation on a closed writer but close throws IoException "stream closed".
@@ -42,11 +51,18 @@ public:
 
     const char16_t* getEncodingName() const;
     long getBufferSize() const { return m_size; }
+    // The characters (UTF-16 units) of all writes so far that the converter has taken in; a
+    // unit carried to the next write is not counted yet. After an encoding exception from
+    // write or flush it is the offset of the offending character: a lone high surrogate counts
+    // at its own place, not at the unit after it that showed it was alone.
+    long long getCharsEncoded() const { return m_encoded; }
 
 private:
     void checkOpen() const;
     void encode(const char16_t* in, long len);
     void writeBuffered();
+    // Counts in[from, to) as taken in by the converter.
+    void taken(const char16_t* in, long from, long to);
 
     Reference<OutputStream> m_out;
     Reference<text::charset::CharToByteConverter> m_converter;
@@ -54,6 +70,9 @@ private:
     std::unique_ptr<signed char[]> m_buffer;
     long m_count = 0;
     std::u16string m_carried;
+    long long m_encoded = 0;
+    // The last unit the converter took in, to place a lone high surrogate's failure.
+    char16_t m_last = 0;
 };
 
 } // namespace qn::io
