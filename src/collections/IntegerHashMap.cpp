@@ -15,16 +15,7 @@ struct IntegerHashMap::Node : HashChains::Node {
 IntegerHashMap::IntegerHashMap(int capacity, float load) : m_chains(capacity, load) {}
 
 IntegerHashMap::~IntegerHashMap() {
-    freeNodes();
-}
-
-void IntegerHashMap::freeNodes() noexcept {
-    for (HashChains::Node* node = m_chains.begin(); node != m_chains.end();) {
-        HashChains::Node* next = node->next;
-        delete static_cast<Node*>(node);
-        node = next;
-    }
-    m_chains.reset();
+    m_chains.deleteAll<Node>();
 }
 
 IntegerHashMap::Node* IntegerHashMap::find(int32_t key) const noexcept {
@@ -41,7 +32,7 @@ IntegerHashMap::Node* IntegerHashMap::find(int32_t key) const noexcept {
 }
 
 void IntegerHashMap::clear() {
-    freeNodes();
+    m_chains.deleteAll<Node>();
 }
 
 bool IntegerHashMap::containsKey(int32_t key) const {

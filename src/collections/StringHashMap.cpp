@@ -16,16 +16,7 @@ struct StringHashMap::Node : HashChains::Node {
 StringHashMap::StringHashMap(int capacity, float load) : m_chains(capacity, load) {}
 
 StringHashMap::~StringHashMap() {
-    freeNodes();
-}
-
-void StringHashMap::freeNodes() noexcept {
-    for (HashChains::Node* node = m_chains.begin(); node != m_chains.end();) {
-        HashChains::Node* next = node->next;
-        delete static_cast<Node*>(node);
-        node = next;
-    }
-    m_chains.reset();
+    m_chains.deleteAll<Node>();
 }
 
 uint32_t StringHashMap::getKeyHashCode(const char16_t* text, int32_t length, bool ignoreCase) {
@@ -60,7 +51,7 @@ StringHashMap::Node* StringHashMap::find(const char16_t* key, int32_t length) co
 }
 
 void StringHashMap::clear() {
-    freeNodes();
+    m_chains.deleteAll<Node>();
 }
 
 bool StringHashMap::containsKey(const String& key) const {

@@ -58,6 +58,15 @@ public:
     void unlink(Node* node) noexcept;
     // Forgets every node (the caller frees them) and empties every bucket; the capacity stays.
     void reset() noexcept;
+    // Deletes every node as the owner's node type N, then resets.
+    template <class N> void deleteAll() noexcept {
+        for (Node* node = begin(); node != end();) {
+            Node* next = node->next;
+            delete static_cast<N*>(node);
+            node = next;
+        }
+        reset();
+    }
     // 2n + 1 buckets, nodes redistributed by their stored hashes; std::length_error beyond
     // MAX_CAPACITY.
     void rehash();

@@ -45,7 +45,6 @@ public:
 private:
     struct Node;
     Node* find(int32_t key) const noexcept;
-    void freeNodes() noexcept;
 
     HashChains m_chains;
 };

@@ -55,7 +55,6 @@ private:
     // length -1: measured here.
     Node* find(const char16_t* key, int32_t length) const;
     Node* find(const char16_t* key, int32_t length, uint32_t hash) const;
-    void freeNodes() noexcept;
 
     HashChains m_chains;
 };
