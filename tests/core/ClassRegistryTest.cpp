@@ -115,10 +115,3 @@ TEST(ClassRegistry, BuiltinTableRulesHold) {
               u"qn::OutOfMemoryException");
     EXPECT_THROW(ResultException().getClass(), ClassNotFoundException); // not in the table
 }
-
-TEST(ClassRegistry, FactoryObjectsStartAtCountZero) {
-    Reference<Object> mutex = Class::forName(u"CQNMutex")->createInstance();
-    EXPECT_EQ(mutex->GetRefCount(), 1u);
-    EXPECT_TRUE(Class::forName(u"CQNMutex")->isInstance(*mutex));
-    EXPECT_EQ(std::u16string(mutex->getClass()->getName()), u"CQNMutex");
-}

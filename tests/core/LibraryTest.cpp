@@ -24,12 +24,3 @@ TEST(Library, NestedLoadsOnlyCountAndTheLastUnloadTearsDown) {
     EXPECT_EQ(classRegistry().size(), classes);
     EXPECT_NO_THROW(Class::forName(u"qn::Exception"));
 }
-
-TEST(Library, GlobalLockIsTheNamedRecursiveMutex) {
-    ASSERT_NE(g_pGlobalLock, nullptr);
-    EXPECT_EQ(std::u16string(g_pGlobalLock->getClass()->getName()), u"CQNMutex");
-    g_pGlobalLock->lock();
-    EXPECT_TRUE(g_pGlobalLock->tryWait());
-    g_pGlobalLock->unlock();
-    g_pGlobalLock->unlock();
-}

@@ -1,6 +1,6 @@
-// The 8-bit strings: ordinal and ASCII-folded comparing and searching over unsigned bytes, the
-// hash shared with String, editing with self-aliasing and inline storage, case mapping through
-// the encoding, conversion to and from String, and the byte-keyed hash map.
+// The 8-bit strings: the hash shared with String over unsigned bytes, editing with self-aliasing
+// and inline storage, case mapping through the encoding, conversion to and from String, and the
+// byte-keyed hash map.
 #include "qn/core/Str1.h"
 #include "qn/core/Exception.h"
 #include "qn/core/Str1HashMap.h"
@@ -20,37 +20,6 @@ std::string bytesOf(const Str1& s) {
 }
 
 } // namespace
-
-TEST(Str1Test, ComparesAndSearchesUnsignedBytes) {
-    const Str1 text("Content-Type: text/plain; charset=\xE9t\xE9");
-    // Bytes above 0x7F order after ASCII, and a shorter prefix first.
-    EXPECT_EQ(Str1("\xE9").compare(Str1("z")), 1);
-    EXPECT_EQ(Str1("ab").compare(Str1("abc")), -1);
-    EXPECT_EQ(Str1("ABC").compare(Str1("abd"), true), -1);
-    EXPECT_TRUE(Str1("CHARSET").equals(Str1("charset"), true));
-    // Only ASCII letters fold: E9 and C9 stay different.
-    EXPECT_FALSE(Str1("\xE9").equals(Str1("\xC9"), true));
-
-    EXPECT_EQ(text.indexOf(Str1("charset")), 26);
-    EXPECT_EQ(text.indexOf(Str1("CHARSET"), 0, true), 26);
-    EXPECT_EQ(text.indexOf(Str1("t")), 3);
-    EXPECT_EQ(text.indexOf('t', 4), 6);
-    EXPECT_EQ(text.indexOf(Str1("")), 0);
-    EXPECT_EQ(text.indexOf(Str1(""), 99), text.getLength());
-    EXPECT_EQ(text.lastIndexOf(Str1("t")), 35);
-    EXPECT_EQ(text.lastIndexOf('T', 7, true), 6);
-    EXPECT_EQ(text.lastIndexOf(Str1("\xE9")), 36);
-    EXPECT_EQ(text.indexOf(Str1("xyz")), -1);
-    EXPECT_TRUE(text.startsWith(Str1("content"), true));
-    EXPECT_TRUE(text.endsWith(Str1("t\xE9")));
-    EXPECT_FALSE(Str1("ab").endsWith(Str1("xab")));
-
-    // Embedded zero bytes are text like any other.
-    const Str1 zeros("a\0b", 3);
-    EXPECT_EQ(zeros.indexOf('b'), 2);
-    EXPECT_EQ(zeros.substring(1).getLength(), 2);
-    EXPECT_THROW(zeros.getCharAt(3), RangeErrorException);
-}
 
 TEST(Str1Test, HashesLikeString) {
     std::string longText;

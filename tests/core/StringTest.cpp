@@ -1,13 +1,12 @@
 // String: sharing and copy on write, the wrapping and empty buffers, the sampled hash,
-// placeholders, valueOf, comparing and searching at word boundaries, changes with clamped
-// ranges and self-aliasing, and the character-buffer role seen from components.
+// placeholders, comparing and searching at word boundaries, changes with clamped ranges and
+// self-aliasing, and the character-buffer role seen from components.
 #include "qn/core/String.h"
 #include "qn/core/Exception.h"
 #include "qn/util/MTCharBuffer.h"
 
 #include <gtest/gtest.h>
 
-#include <climits>
 #include <string>
 
 namespace qn {
@@ -114,22 +113,6 @@ TEST(StringTest, EmptyStringsShareOneBuffer) {
     EXPECT_EQ(moved.getData(), a.getData());
 }
 
-TEST(StringTest, ConstructsFromTextCharactersAndOtherStrings) {
-    EXPECT_EQ(String(u"abc", 2), u"ab");
-    EXPECT_EQ(String(u'x', 3), u"xxx");
-    EXPECT_EQ(String(u'x', 0), u"");
-    const String source(u"0123456789");
-    EXPECT_EQ(String(String::WRAP, source).getData(), source.getData());
-    EXPECT_EQ(String(String::ADOPT, source, 0, -1).getData(), source.getData());
-    EXPECT_NE(String(String::COPY, source).getData(), source.getData());
-    // A larger capacity, or part of the text, needs a copy.
-    EXPECT_NE(String(String::WRAP, source, 0, -1, 100).getData(), source.getData());
-    EXPECT_EQ(String(String::WRAP, source, 3, 4), u"3456");
-    EXPECT_EQ(String(String::COPY, source, -5, 3), u"012");
-    EXPECT_EQ(String(String::COPY, source, 8, 100), u"89");
-    EXPECT_EQ(String(String::COPY, source, 20), u"");
-}
-
 TEST(StringTest, HashSamplesLongTextsAndFoldsCase) {
     EXPECT_EQ(String().hashCode(), 0u);
     EXPECT_EQ(String(u"a").hashCode(), 97u);
@@ -178,23 +161,6 @@ TEST(StringTest, FormatFillsConsecutivePlaceholdersOnly) {
     // Without placeholders a String format is shared, not copied.
     const String plain(u"plain");
     EXPECT_EQ(s.format(plain).getData(), plain.getData());
-}
-
-TEST(StringTest, ValueOfUsesTheRunTimeFormats) {
-    EXPECT_EQ(String::valueOf(true), u"true");
-    EXPECT_EQ(String::valueOf(false), u"false");
-    EXPECT_EQ(String::valueOf(true).getData(), String::valueOf(true).getData());
-    EXPECT_EQ(String::valueOf(1.5), u"1.5");
-    EXPECT_EQ(String::valueOf(0.1f), u"0.1");
-    EXPECT_EQ(String::valueOf(1e20), u"1e+20");
-    EXPECT_EQ(String::valueOf(1234567.0), u"1.23457e+06");
-    EXPECT_EQ(String::valueOf(0), u"0");
-    EXPECT_EQ(String::valueOf(INT_MIN), u"-2147483648");
-    EXPECT_EQ(String::valueOf(UINT_MAX), u"4294967295");
-    EXPECT_EQ(String::valueOf(-1L), u"-1");
-    EXPECT_EQ(String::valueOf(LLONG_MIN), u"-9223372036854775808");
-    EXPECT_EQ(String::valueOf(ULLONG_MAX), u"18446744073709551615");
-    EXPECT_EQ(String::valueOf(u'Z'), u"Z");
 }
 
 TEST(StringTest, ComparesOrdinallyByUnsignedUnit) {
@@ -269,21 +235,6 @@ TEST(StringTest, SearchesFromClampedStarts) {
     EXPECT_EQ(String(u"xX").indexOf(u'X', 0, true), 0);
 }
 
-TEST(StringTest, FindsUnitsOfASet) {
-    const String s(u"  key = \u4E2Dvalue;  ");
-    EXPECT_EQ(s.findFirstOf(u"=;", -1), 6);
-    EXPECT_EQ(s.findFirstOfCase(String(u"=;")), 6);
-    EXPECT_EQ(s.findFirstOf(u"\u4E2D", -1), 8);
-    EXPECT_EQ(s.findFirstNotOf(u" ", -1), 2);
-    EXPECT_EQ(s.findLastOf(u"=;", -1), 14);
-    EXPECT_EQ(s.findLastOf(u"=;", -1, 13), 6);
-    EXPECT_EQ(s.findLastNotOf(u" ", -1), 14);
-    EXPECT_EQ(s.findFirstOf(u"KEY", -1, 0, true), 2);
-    EXPECT_EQ(s.findFirstOf(u"KEY", -1), -1);
-    EXPECT_EQ(s.findFirstOf(u"=", -1, 7), -1);
-    EXPECT_EQ(String().findLastNotOf(u"x", -1), -1);
-}
-
 TEST(StringTest, ChangesClampTheirRanges) {
     const struct {
         const char16_t* expected;
@@ -323,20 +274,6 @@ TEST(StringTest, ChangesFromTheStringsOwnText) {
     EXPECT_EQ(other, u"abc");
 }
 
-TEST(StringTest, TrimsTheChosenEnds) {
-    const String padded(u" \t\u00A0 text \r\n\u3000");
-    EXPECT_EQ(String(padded).trim(), u"text");
-    EXPECT_EQ(String(padded).trim(String::LEADING), u"text \r\n\u3000");
-    EXPECT_EQ(String(padded).trim(String::TRAILING), u" \t\u00A0 text");
-    EXPECT_EQ(String(u"xxaxx").trim(u'x'), u"a");
-    EXPECT_EQ(String(u"-=a=-").trim(String(u"=-"), String::LEADING), u"a=-");
-    EXPECT_EQ(String(u"   ").trim(), u"");
-    // A trim that removes nothing keeps sharing.
-    const String shared(u"tight");
-    String copy = shared;
-    EXPECT_EQ(copy.trim().getData(), shared.getData());
-}
-
 TEST(StringTest, CaseMappingCopiesOnlyWhatChanges) {
     const String lower(u"already lower \u00E4");
     String copy = lower;
@@ -360,40 +297,6 @@ TEST(StringTest, IndexOutsideTheStringIsRefused) {
     EXPECT_THROW(s.setCharAt(3, u'x'), RangeErrorException);
     EXPECT_EQ(s, u"abc");
     EXPECT_THROW(String().getCharAt(0), RangeErrorException);
-}
-
-TEST(StringTest, SubstringClampsAndSharesTheWhole) {
-    const String s(u"0123456789");
-    EXPECT_EQ(s.substring(0).getData(), s.getData());
-    EXPECT_EQ(s.substring(-3, 100).getData(), s.getData());
-    EXPECT_EQ(s.substring(2, 3), u"234");
-    EXPECT_EQ(s.substring(8), u"89");
-    EXPECT_EQ(s.substring(11), u"");
-    EXPECT_EQ(s.substring(4, 0).getData(), String().getData());
-}
-
-TEST(StringTest, ObjectOperationsUseTheText) {
-    Reference<String> heap = String::CQNString(u"text", -1, 0);
-    const String same(u"text");
-    EXPECT_TRUE(same.equals(static_cast<const Object&>(*heap)));
-    EXPECT_EQ(same.compareTo(*heap), 0);
-    EXPECT_EQ(heap->hashCode(), same.hashCode(false));
-    EXPECT_EQ(heap->toString().getData(), heap->getData());
-    const Object plain;
-    EXPECT_FALSE(same.equals(plain));
-    EXPECT_THROW(same.compareTo(plain), CastFailedException);
-
-    int32_t order = 0;
-    EXPECT_EQ(heap->CompareTo(String::CQNString(u"texts").get()->GetUnknown(), &order), QN_S_OK);
-    EXPECT_EQ(order, -1);
-    void* out = nullptr;
-    ASSERT_EQ(heap->QueryInterface(IID_IQNCharBuffer, &out), QN_S_OK);
-    auto* buffer = static_cast<IQNCharBuffer*>(out);
-    int32_t length = 0;
-    EXPECT_EQ(buffer->GetLength(&length), QN_S_OK);
-    EXPECT_EQ(length, 4);
-    buffer->Release();
-    EXPECT_EQ(heap->GetRefCount(), 1u);
 }
 
 TEST(StringTest, ComponentsWriteThroughCopyOnWrite) {

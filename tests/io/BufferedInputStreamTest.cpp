@@ -25,17 +25,6 @@ Reference<BufferedInputStream> buffered(const Bytes& data, std::vector<long> scr
 
 } // namespace
 
-TEST(BufferedInputStream, SizeFloorAndSignExtendingRead) {
-    const std::pair<long, long> sizes[] = {{-5, 16}, {0, 16}, {1, 16}, {16, 16}, {17, 17}};
-    for (const auto& [asked, got] : sizes)
-        EXPECT_EQ(BufferedInputStream(new ScriptedInputStream({}), asked).getBufferSize(), got);
-    Reference<BufferedInputStream> in = buffered(bytes({0x41, 0xFF, 0x80}));
-    EXPECT_EQ(in->read(), 0x41);
-    EXPECT_EQ(in->read(), -1); // 0xFF, not the end
-    EXPECT_EQ(in->read(), -128);
-    EXPECT_EQ(in->read(), -1);
-}
-
 TEST(BufferedInputStream, MarkLimitDecidesAtTheRefill) {
     const Bytes data = sequence(100);
     Reference<BufferedInputStream> in = buffered(data);
@@ -119,19 +108,4 @@ TEST(BufferedInputStream, LargeReadsBypassTheBufferUnlessMarked) {
     EXPECT_EQ(in->read(buf.data(), 64), 64);
     EXPECT_GT(raw->reads - before, 1); // through the buffer
     EXPECT_EQ(buf, slice(data, 105, 64));
-}
-
-TEST(BufferedInputStream, ClosedStreamRefusesEverything) {
-    ScriptedInputStream* raw = new ScriptedInputStream(sequence(10));
-    Reference<BufferedInputStream> in = new BufferedInputStream(raw, 16);
-    in->close();
-    signed char buf[4];
-    const std::function<void()> operations[] = {
-        [&] { in->read(); },  [&] { in->read(buf, 0); }, [&] { in->skip(1); },
-        [&] { in->mark(1); }, [&] { in->available(); },  [&] { in->reset(); },
-    };
-    for (const auto& operation : operations)
-        EXPECT_EQ(messageOf(operation), u"stream closed");
-    in->close();
-    EXPECT_EQ(raw->closes, 2);
 }

@@ -21,19 +21,3 @@ TEST(BufferedOutputStream, HandsOnBlocksInOrder) {
     EXPECT_EQ(sink->calls, (std::vector<long>{16, 11, 10, 16, 47}));
     EXPECT_EQ(sink->data, data);
 }
-
-TEST(BufferedOutputStream, CloseDropsWhatWasNotFlushed) {
-    RecordingOutputStream* sink = new RecordingOutputStream;
-    Reference<BufferedOutputStream> out = new BufferedOutputStream(sink, 0);
-    EXPECT_EQ(out->getBufferSize(), 16);
-    out->write("kept", 4);
-    out->flush();
-    out->write("lost", 4);
-    out->close();
-    EXPECT_EQ(sink->data, bytes({'k', 'e', 'p', 't'}));
-    EXPECT_EQ(sink->flushes, 1);
-    EXPECT_EQ(messageOf([&] { out->flush(); }), u"stream closed");
-    EXPECT_EQ(messageOf([&] { out->write(static_cast<signed char>(1)); }), u"stream closed");
-    out->close();
-    EXPECT_EQ(sink->closes, 2);
-}

@@ -1,13 +1,7 @@
 #include "StreamTestSupport.h"
 
-#include "qn/core/Class.h"
 #include "qn/io/BufferedReader.h"
-#include "qn/io/BufferedWriter.h"
-#include "qn/io/FilterReader.h"
 #include "qn/io/InputStreamReader.h"
-#include "qn/io/NullWriter.h"
-#include "qn/io/PrintWriter.h"
-#include "qn/io/StringWriter.h"
 
 using namespace qn;
 using namespace qn::io;
@@ -118,90 +112,4 @@ TEST(BufferedReader, MarkResetAndCharacters) {
         EXPECT_EQ(messageOf(op), u"stream closed");
     direct.close();
     EXPECT_EQ(source->closes, 2);
-}
-
-TEST(BufferedWriter, BuffersWritesThroughLargeArraysAndDropsAtClose) {
-    auto* sink = new RecordingWriter;
-    Reference<BufferedWriter> out = new BufferedWriter(sink, 16);
-    out->write(u"0123456789", 10);
-    out->write(u"abcdef", 6); // exactly fills the buffer
-    EXPECT_TRUE(sink->calls.empty());
-    out->write(u'!'); // full: written out first
-    EXPECT_EQ(sink->calls, (std::vector<long>{16}));
-    out->write(String(u"0123456789abcdef")); // as long as the buffer: straight through
-    EXPECT_EQ(sink->calls, (std::vector<long>{16, 1, 16}));
-    out->write(u"xyz");
-    out->flush();
-    EXPECT_EQ(sink->text, u"0123456789abcdef!0123456789abcdefxyz");
-    EXPECT_EQ(sink->flushes, 1);
-
-    out->write(u"lost");
-    out->close();
-    EXPECT_EQ(sink->text.size(), 36u);
-    EXPECT_EQ(sink->closes, 1);
-    EXPECT_EQ(messageOf([&] { out->write(u'x'); }), u"stream closed");
-    EXPECT_EQ(messageOf([&] { out->flush(); }), u"stream closed");
-}
-
-TEST(PrintWriter, ValuesLfAndAutoFlush) {
-    for (bool autoFlush : {false, true}) {
-        auto* sink = new RecordingWriter;
-        Reference<PrintWriter> out = new PrintWriter(sink, autoFlush);
-        out->println(String(u"x"));
-        out->print(42);
-        out->print(-7L);
-        out->print(true);
-        out->print(u'\u00E9');
-        out->print("8-bit");
-        out->print(static_cast<const char*>(nullptr));
-        out->println(u"!");
-        out->println();
-        EXPECT_EQ(sink->text, u"x\n42-7true\u00E98-bit!\n\n");
-        if (autoFlush)
-            EXPECT_EQ(sink->flushedAt, (std::vector<size_t>{2, 18, 19}));
-        else
-            EXPECT_EQ(sink->flushes, 0);
-    }
-    // Failures of the wrapped writer pass through.
-    struct Failing : Writer {
-        using Writer::write;
-        void write(const char16_t*, long) override { throw IoException(u"disk full"); }
-    };
-    PrintWriter failing(new Failing, true);
-    EXPECT_EQ(messageOf([&] { failing.println(1.5); }), u"disk full");
-}
-
-TEST(Writers, SinksFiltersAndRegistry) {
-    StringWriter collected(0);
-    collected.write(u"ab", 2);
-    collected.write(u'c');
-    collected.close();
-    collected.write(String(u"d")); // close does nothing here
-    EXPECT_EQ(textOf(collected.toString()), u"abcd");
-
-    // Filters forward everything, closing included.
-    auto* source = new ScriptedReader(u"xyz");
-    FilterReader filtered(source);
-    EXPECT_FALSE(filtered.markSupported());
-    EXPECT_EQ(filtered.read(), u'x');
-    EXPECT_EQ(filtered.skip(1), 1);
-    EXPECT_EQ(filtered.available(), 1);
-    EXPECT_EQ(messageOf([&] { filtered.reset(); }), u"mark/reset not supported");
-    filtered.close();
-    EXPECT_EQ(source->closes, 1);
-
-    for (const char16_t* name : {u"CQNNullWriter", u"CQNStringWriter"}) {
-        Reference<Object> made = Class::forName(name)->createInstance();
-        Writer* writer = dynamic_cast<Writer*>(made.get());
-        ASSERT_NE(writer, nullptr);
-        writer->write(u"dropped or kept");
-        writer->flush();
-    }
-    for (const char16_t* name :
-         {u"CQNReader", u"CQNWriter", u"CQNBufferedReader", u"CQNBufferedWriter",
-          u"CQNFilterReader", u"CQNFilterWriter", u"CQNInputStreamReader",
-          u"CQNOutputStreamWriter", u"CQNPrintWriter"})
-        EXPECT_THROW(Class::forName(name)->createInstance(), IllegalAccessException) << name;
-    EXPECT_STREQ(reinterpret_cast<const char*>(Class::forName(u"CQNPrintWriter")->getName()),
-                 reinterpret_cast<const char*>(u"CQNPrintWriter"));
 }

@@ -54,15 +54,3 @@ TEST(ByteArrayStreams, CopyInAndGrowToFiveQuartersOfTheNeed) {
     EXPECT_EQ(out->getBytes(buf, 8), 3);
     EXPECT_THROW(out->write(static_cast<const char*>(nullptr), 2), ResultException);
 }
-
-TEST(ByteArrayStreams, CollectedBytesAsText) {
-    Reference<ByteArrayOutputStream> out = new ByteArrayOutputStream(0);
-    EXPECT_TRUE(out->toString(u"UTF-8").isEmpty());
-    out->write("h\xC3\xA9", 3);
-    EXPECT_TRUE(out->toString(u"utf8").equals(u"h\u00E9", 2));
-    EXPECT_TRUE(out->toString(u"819").equals(u"h\u00C3\u00A9", 3)); // ISO 8859-1 by code page
-    EXPECT_TRUE(out->toString().equals(String("h\xC3\xA9", 3, nullptr)));
-    EXPECT_EQ(messageOf([&] { out->toString(u"no-such"); }), u"no-such");
-    out->reallocBuffer(2); // cuts the sequence
-    EXPECT_TRUE(out->toString(u"UTF-8").equals(u"h\uFFFD", 2));
-}

@@ -221,20 +221,3 @@ TEST(FileStreams, TwoProcessesAppendWithoutLosingOrInterleaving) {
     EXPECT_EQ(next[1], COUNT);
     EXPECT_EQ(next[2], COUNT);
 }
-
-#ifndef _WIN32
-TEST(FileStreams, PipeHasNothingKnownAvailableButReads) {
-    int ends[2];
-    ASSERT_EQ(pipe(ends), 0);
-    ASSERT_EQ(write(ends[1], "abc", 3), 3);
-    ::close(ends[1]);
-    Reference<FileInputStream> in = new FileInputStream(static_cast<QNFILE>(ends[0]), true);
-    EXPECT_EQ(in->available(), 0);
-    signed char buf[8];
-    EXPECT_EQ(in->read(buf, 8), 3);
-    EXPECT_EQ(in->available(), 0);
-    EXPECT_EQ(in->read(buf, 8), -1);
-    in->close();
-    EXPECT_THROW(in->available(), ResultException);
-}
-#endif

@@ -1,6 +1,5 @@
 #include "StreamTestSupport.h"
 
-#include "qn/io/ByteArrayInputStream.h"
 #include "qn/io/InputStreamReader.h"
 #include "qn/io/OutputStreamWriter.h"
 
@@ -47,37 +46,6 @@ Bytes encodeWhole(const char16_t* encoding, const std::u16string& text) {
 }
 
 } // namespace
-
-TEST(Reader, BaseSingleReadAndSkip) {
-    // A reader over a fixed text that hands out at most 100 characters per call.
-    struct Fixed : Reader {
-        std::u16string text;
-        size_t pos = 0;
-        std::vector<long> asked;
-        using Reader::read;
-        long read(char16_t* buf, long len) override {
-            asked.push_back(len);
-            if (pos == text.size())
-                return -1;
-            const size_t n = std::min<size_t>({static_cast<size_t>(len), text.size() - pos, 100});
-            text.copy(buf, n, pos);
-            pos += n;
-            return static_cast<long>(n);
-        }
-    };
-    Reference<Fixed> in = new Fixed;
-    in->text = std::u16string(u"\uFFFF\u0080") + std::u16string(600, u'x');
-    EXPECT_EQ(in->read(), 0xFFFF); // zero-extended, not the end
-    EXPECT_EQ(in->read(), 0x80);
-    EXPECT_EQ(in->skip(0), 0);
-    EXPECT_EQ(in->skip(599), 599);
-    EXPECT_EQ(in->asked, (std::vector<long>{1, 1, 256, 256, 256, 256, 199, 99}));
-    EXPECT_EQ(in->skip(5), 1);
-    EXPECT_EQ(in->read(), -1);
-    EXPECT_FALSE(in->markSupported());
-    EXPECT_EQ(in->available(), 0);
-    EXPECT_EQ(messageOf([&] { in->reset(); }), u"mark/reset not supported");
-}
 
 TEST(InputStreamReader, SameTextWhateverTheReadSizes) {
     const Bytes data = utf8(MIXED);
@@ -144,41 +112,6 @@ TEST(InputStreamReader, StopsWithWhatItHasWhenTheStreamHasNothingNow) {
     EXPECT_EQ(in->read(buf, 16), -1);
 }
 
-TEST(InputStreamReader, EncodingsAvailableAndClose) {
-    Reference<ByteToCharConverter> fallback = ByteToCharConverter::getDefaultConverter();
-    Reference<InputStreamReader> byDefault =
-        new InputStreamReader(new ScriptedInputStream({}), nullptr, 64);
-    EXPECT_EQ(std::u16string(byDefault->getEncodingName()), fallback->getEncodingName());
-    EXPECT_EQ(messageOf([] { InputStreamReader(new ScriptedInputStream({}), u"no-such", 64); }),
-              u"no-such");
-    EXPECT_THROW(InputStreamReader(new ScriptedInputStream({}), u"no-such", 64),
-                 UnknownEncodingException);
-    EXPECT_EQ(reader({}, {}, 0)->getBufferSize(), 6);
-    EXPECT_EQ(InputStreamReader(new ScriptedInputStream({}), u"A7", 0).getBufferSize(), 8);
-
-    auto* stream = new ScriptedInputStream(utf8("0123456789abcde"));
-    stream->reportAvailable = false;
-    Reference<InputStreamReader> in = new InputStreamReader(stream, u"utf8", 64);
-    EXPECT_EQ(std::u16string(in->getEncodingName()), u"UTF-8");
-    char16_t buf[3];
-    EXPECT_EQ(in->read(buf, 3), 3);
-    EXPECT_EQ(in->available(), 2); // 12 bytes buffered / 6 per character at most
-
-    // Malformed input fails as the converter fails.
-    Reference<InputStreamReader> bad = reader(utf8("ok\xED\xA0\x80"));
-    char16_t big[16];
-    EXPECT_THROW(bad->read(big, 16), InvalidCharacterException);
-
-    in->close();
-    EXPECT_EQ(stream->closes, 1);
-    for (auto op : std::vector<std::function<void()>>{
-             [&] { in->read(buf, 3); }, [&] { in->read(); }, [&] { in->available(); },
-             [&] { in->getEncodingName(); }})
-        EXPECT_EQ(messageOf(op), u"stream closed");
-    in->close();
-    EXPECT_EQ(stream->closes, 2);
-}
-
 TEST(OutputStreamWriter, SameBytesWhateverTheWriteSplits) {
     const std::u16string text = MIXED_UTF16 + u"\U0001F600\U0001F600x\U00010348";
     for (const char16_t* encoding : {u"UTF-8", u"AMP-7", u"UTF-16BE"}) {
@@ -231,97 +164,4 @@ TEST(OutputStreamWriter, BuffersUntilFullOrFlushAndDropsAtClose) {
     for (auto op : std::vector<std::function<void()>>{
              [&] { out->write(u"x", 1); }, [&] { out->flush(); }, [&] { out->getEncodingName(); }})
         EXPECT_EQ(messageOf(op), u"stream closed");
-}
-
-TEST(InputStreamReader, OwnConverterReportsWhereDecodingStopped) {
-    struct Case {
-        Bytes data;
-        bool substitute;
-        std::u16string before; // what the reads deliver up to the failure
-        long long offset;      // -1: no failure
-        std::u16string problem;
-    };
-    const Bytes ascii(300, 'a');
-    Bytes invalid = ascii;
-    for (int b : {0xED, 0xA0, 0x80, 0x7A})
-        invalid.push_back(static_cast<signed char>(b));
-    const Case cases[] = {
-        // Far into the input, past several buffers and uneven reads.
-        {invalid, true, {}, 300, u"Invalid UTF-8 sequence (decoded chars in surrogate range)"},
-        // Cut off by the end: substituted, or a failure at its first byte without substitution.
-        {utf8("ab\xE2\x82"), true, u"ab\uFFFD\uFFFD", -1, {}},
-        {utf8("ab\xE2\x82"), false, {}, 2, u"incomplete sequence at the end of the input"},
-        // A sequence split across reads is no failure.
-        {utf8("ab\xE2\x82\xAC"), false, u"ab\u20AC", -1, {}},
-    };
-    for (const Case& c : cases) {
-        Reference<ByteToCharConverter> converter = ByteToCharConverter::getConverter(u"UTF-8");
-        converter->setSubstitutionMode(c.substitute);
-        Reference<InputStreamReader> in = new InputStreamReader(
-            new ScriptedInputStream(c.data, {50, 3, 1, 64, 64, 64, 64, 64}), converter.get(), 16);
-        EXPECT_EQ(in->getBytesDecoded(), 0);
-        if (c.offset < 0) {
-            EXPECT_EQ(readAll(*in, 8), c.before);
-            EXPECT_EQ(in->getBytesDecoded(), static_cast<long long>(c.data.size()));
-            continue;
-        }
-        EXPECT_EQ(messageOf([&] { readAll(*in, 8); }), c.problem);
-        EXPECT_EQ(in->getBytesDecoded(), c.offset) << c.data.size();
-    }
-
-    // Unmappable input without substitution: the offset of the unit, in a multi-byte encoding.
-    Reference<ByteToCharConverter> utf32 = ByteToCharConverter::getConverter(u"UTF-32BE");
-    utf32->setSubstitutionMode(false);
-    Reference<InputStreamReader> in = new InputStreamReader(
-        new ScriptedInputStream(bytes({0, 0, 0, 'a', 0, 0x11, 0, 0}), {5, 3}), utf32.get());
-    EXPECT_THROW(readAll(*in, 8), UnmappableCharacterException);
-    EXPECT_EQ(in->getBytesDecoded(), 4);
-    // The stream is released when the converter is missing.
-    try {
-        InputStreamReader(new ScriptedInputStream({}), static_cast<ByteToCharConverter*>(nullptr));
-        ADD_FAILURE();
-    } catch (const ResultException& e) {
-        EXPECT_EQ(e.getResult(), static_cast<QNRESULT>(0x80004003));
-    }
-}
-
-TEST(OutputStreamWriter, OwnConverterCountsTheCharactersItTookIn) {
-    // Unmappable after characters written in several writes, across full buffers.
-    Reference<CharToByteConverter> latin1 = CharToByteConverter::getConverter(u"ISO8859_1");
-    latin1->setSubstitutionMode(false);
-    auto* sink = new RecordingOutputStream;
-    Reference<OutputStreamWriter> out = new OutputStreamWriter(sink, latin1.get(), 8);
-    for (int i = 0; i < 5; ++i)
-        out->write(u"\u00E9bcdefg", 7);
-    EXPECT_EQ(out->getCharsEncoded(), 35);
-    EXPECT_THROW(out->write(u"ab\u20ACc", 4), UnmappableCharacterException);
-    EXPECT_EQ(out->getCharsEncoded(), 37);
-
-    // Substitution on: nothing fails and everything counts.
-    Reference<OutputStreamWriter> lenient =
-        new OutputStreamWriter(new RecordingOutputStream, CharToByteConverter::getConverter(u"ISO8859_1").get());
-    lenient->write(u"a\u20ACb", 3);
-    lenient->flush();
-    EXPECT_EQ(lenient->getCharsEncoded(), 3);
-
-    // A lone high surrogate fails at its own place: followed by another unit, or at the end.
-    struct Case {
-        std::vector<std::u16string> writes;
-        long long offset;
-    };
-    for (const char16_t* encoding : {u"UTF-8", u"AMP-7"}) {
-        for (const Case& c : {Case{{u"a", u"\xD800" u"b"}, 1}, Case{{u"a\xD800", u"b"}, 1},
-                              Case{{u"ab", u"\xD800"}, 2}, Case{{u"ab\xD800"}, 2}}) {
-            Reference<OutputStreamWriter> w = new OutputStreamWriter(
-                new RecordingOutputStream, CharToByteConverter::getConverter(encoding).get());
-            EXPECT_EQ(messageOf([&] {
-                          for (const std::u16string& text : c.writes)
-                              w->write(text.data(), static_cast<long>(text.size()));
-                          w->flush();
-                      }),
-                      u"leading surrogate without trailing");
-            EXPECT_EQ(w->getCharsEncoded(), c.offset)
-                << std::string(encoding, encoding + 5).c_str() << " " << c.writes.size();
-        }
-    }
 }

@@ -215,7 +215,6 @@ private:
 } // namespace qntest
 
 #include "qn/io/Reader.h"
-#include "qn/io/Writer.h"
 
 namespace qntest {
 
@@ -248,27 +247,6 @@ private:
     std::vector<long> m_script;
     size_t m_step = 0;
     size_t m_pos = 0;
-};
-
-// Records every array write's length and the text, and counts flushes and closes.
-class RecordingWriter : public qn::io::Writer {
-public:
-    using qn::io::Writer::write;
-    void write(const char16_t* buf, long len) override {
-        calls.push_back(len);
-        text.append(buf, static_cast<size_t>(len));
-    }
-    void flush() override {
-        ++flushes;
-        flushedAt.push_back(text.size());
-    }
-    void close() override { ++closes; }
-
-    std::vector<long> calls;
-    std::u16string text;
-    std::vector<size_t> flushedAt; // the text's length at each flush
-    int flushes = 0;
-    int closes = 0;
 };
 
 } // namespace qntest

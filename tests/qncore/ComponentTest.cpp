@@ -4,7 +4,6 @@
 
 #include <cstdlib>
 #include <fstream>
-#include <vector>
 
 #ifdef _WIN32
 #include <windows.h>
@@ -143,22 +142,4 @@ TEST_F(Component, ClassObjectsOfTheProcessComeFirst) {
     EXPECT_TRUE(sameGuid(clsid, kTestClsid));
     ITestValue* object = nullptr;
     EXPECT_EQ(create(nullptr, kOtherClsid, &object), QN_E_CLASSNOTREGISTERED);
-}
-
-TEST_F(Component, ConcurrentCreation) {
-    std::vector<std::future<int>> workers;
-    for (int i = 0; i < 4; ++i)
-        workers.push_back(std::async(std::launch::async, [] {
-            int good = 0;
-            for (int n = 0; n < 50; ++n) {
-                void* out = nullptr;
-                if (QNModuleComCreateObject(nullptr, &kTestClsid, nullptr, &kTestIid, &out) == 0) {
-                    good += static_cast<ITestValue*>(out)->GetValue() == kPluginValue;
-                    static_cast<ITestValue*>(out)->Release();
-                }
-            }
-            return good;
-        }));
-    for (auto& w : workers)
-        EXPECT_EQ(w.get(), 50);
 }

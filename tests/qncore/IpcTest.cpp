@@ -2,13 +2,6 @@
 
 #include <gtest/gtest.h>
 
-#include <filesystem>
-#include <vector>
-
-#ifndef _WIN32
-#include <sys/stat.h>
-#endif
-
 using namespace qntest;
 
 namespace {
@@ -66,50 +59,4 @@ TEST(IpcSemaphore, RefusalsAndLimits) {
     EXPECT_EQ(QNIpcSemaphoreUnlink("a/b"), QN_E_INVALIDARG);
     EXPECT_EQ(QNIpcSemaphoreCreate(s.name.c_str(), 0x80000000u, 0, &h), QN_E_INVALIDARG);
     EXPECT_EQ(QNIpcSemaphoreWait(nullptr), QN_E_HANDLE);
-}
-
-#ifndef _WIN32
-TEST(IpcSemaphore, PosixNameIsOwnerOnlyAndOutlivesItsHandles) {
-    Named s("posix");
-    const mode_t mask = umask(0);
-    ASSERT_EQ(QNIpcSemaphoreCreate(s.name.c_str(), 1, 0, &s.handle), QN_S_OK);
-    umask(mask);
-    struct stat st {};
-    ASSERT_EQ(stat(("/dev/shm/sem." + s.name).c_str(), &st), 0);
-    EXPECT_EQ(st.st_mode & 0777, 0600u);
-    EXPECT_EQ(QNIpcSemaphoreClose(s.handle), QN_S_OK);
-    s.handle = nullptr;
-    // The count is kept while nobody holds the semaphore.
-    ASSERT_EQ(QNIpcSemaphoreOpen(s.name.c_str(), &s.handle), QN_S_OK);
-    EXPECT_EQ(QNIpcSemaphoreTryWait(s.handle), QN_S_OK);
-    // Unlinked, the name is gone while the open handle still works.
-    EXPECT_EQ(QNIpcSemaphoreUnlink(s.name.c_str()), QN_S_OK);
-    EXPECT_EQ(QNIpcSemaphoreUnlink(s.name.c_str()), QN_E_FILENOTFOUND);
-    QNIPCSEMAPHORE h = nullptr;
-    EXPECT_EQ(QNIpcSemaphoreOpen(s.name.c_str(), &h), QN_E_FILENOTFOUND);
-    EXPECT_EQ(QNIpcSemaphorePost(s.handle), QN_S_OK);
-    EXPECT_EQ(QNIpcSemaphoreTryWait(s.handle), QN_S_OK);
-}
-#else
-TEST(IpcSemaphore, WindowsNameGoesWithItsLastHandle) {
-    Named s("win32");
-    ASSERT_EQ(QNIpcSemaphoreCreate(s.name.c_str(), 1, 0, &s.handle), QN_S_OK);
-    EXPECT_EQ(QNIpcSemaphoreUnlink(s.name.c_str()), QN_S_OK);
-    EXPECT_EQ(QNIpcSemaphoreClose(s.handle), QN_S_OK);
-    s.handle = nullptr;
-    QNIPCSEMAPHORE h = nullptr;
-    EXPECT_EQ(QNIpcSemaphoreOpen(s.name.c_str(), &h), QN_E_FILENOTFOUND);
-}
-#endif
-
-TEST(Path, CurrentDirectory) {
-    int32_t needed = 0;
-    EXPECT_EQ(QNPathGetCurrentDirectory(nullptr, 0, &needed), QN_E_BUFFERTOOSMALL);
-    ASSERT_GT(needed, 1);
-    std::vector<QNWCHAR> buffer(static_cast<size_t>(needed));
-    EXPECT_EQ(QNPathGetCurrentDirectory(buffer.data(), needed - 1, nullptr), QN_E_BUFFERTOOSMALL);
-    ASSERT_EQ(QNPathGetCurrentDirectory(buffer.data(), needed, &needed), QN_S_OK);
-    EXPECT_EQ(static_cast<size_t>(needed), buffer.size());
-    EXPECT_EQ(WString(buffer.data()), widePath(std::filesystem::current_path()));
-    EXPECT_EQ(QNPathGetCurrentDirectory(nullptr, 4, nullptr), QN_E_POINTER);
 }

@@ -4,11 +4,6 @@
 
 #include "qncore/QNNet.h"
 
-#ifndef _WIN32
-#include <arpa/inet.h>
-#include <netinet/in.h>
-#endif
-
 namespace {
 
 addrinfo hintsOf(int family, int flags) {
@@ -20,24 +15,6 @@ addrinfo hintsOf(int family, int flags) {
 }
 
 } // namespace
-
-TEST(Net, LoopbackLookups) {
-    addrinfo hints = hintsOf(AF_UNSPEC, AI_NUMERICHOST | AI_NUMERICSERV);
-    addrinfo* result = nullptr;
-    ASSERT_EQ(QNgetaddrinfo("127.0.0.1", "80", &hints, &result), 0);
-    ASSERT_EQ(result->ai_family, AF_INET);
-    const auto* in = reinterpret_cast<const sockaddr_in*>(result->ai_addr);
-    EXPECT_EQ(ntohl(in->sin_addr.s_addr), 0x7F000001u);
-    EXPECT_EQ(ntohs(in->sin_port), 80);
-    QNfreeaddrinfo(result);
-
-    hints = hintsOf(AF_INET, 0);
-    ASSERT_EQ(QNgetaddrinfo("localhost", "80", &hints, &result), 0);
-    for (const addrinfo* a = result; a; a = a->ai_next)
-        EXPECT_EQ(ntohl(reinterpret_cast<const sockaddr_in*>(a->ai_addr)->sin_addr.s_addr) >> 24,
-                  127u);
-    QNfreeaddrinfo(result);
-}
 
 TEST(Net, FailuresUseTheCoreNumbers) {
     addrinfo* result = nullptr;

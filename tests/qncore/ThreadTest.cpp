@@ -38,28 +38,3 @@ TEST(Thread, StartsJoinsWithAndWithoutTimeOutAndReportsItsExitCode) {
     EXPECT_EQ(QNThreadClose(thread), QN_S_OK);
     QNGateDestroy(shared.gate);
 }
-
-TEST(Thread, AClosedThreadRunsOnDetached) {
-    static Shared shared; // the detached thread may outlive this test
-    ASSERT_EQ(QNGateCreate(nullptr, 0, &shared.gate), QN_S_OK);
-    QNHANDLE thread = nullptr;
-    ASSERT_EQ(QNThreadCreate(&waitAtGate, &shared, &thread, nullptr), QN_S_OK);
-    EXPECT_EQ(QNThreadClose(thread), QN_S_OK);
-    EXPECT_TRUE(eventually([&] { return shared.ranOn != 0; })); // it runs on after the close
-    QNGateOpen(shared.gate);
-    EXPECT_EQ(QNThreadSleep(0), QN_S_OK);
-    EXPECT_EQ(QNThreadSleep(2), QN_S_OK);
-    // The gate is left alive: nothing tells when the detached thread has left its wait.
-}
-
-TEST(Module, FileNameOfAnAddress) {
-    QNWCHAR path[1024];
-    ASSERT_EQ(QNModuleGetFileNameW(reinterpret_cast<const void*>(&QNThreadSleep), path, 1024),
-              QN_S_OK);
-    const std::u16string core(reinterpret_cast<const char16_t*>(path));
-    EXPECT_NE(core.find(u"qncore6"), std::u16string::npos);
-    EXPECT_EQ(QNModuleGetFileNameW(reinterpret_cast<const void*>(&QNThreadSleep), path, 3),
-              QN_E_BUFFERTOOSMALL);
-    EXPECT_EQ(QNModuleGetFileNameW(nullptr, path, 1024), QN_E_FILENOTFOUND);
-    EXPECT_EQ(QNModuleGetFileNameW(&path, path, 1024), QN_E_FILENOTFOUND); // the stack
-}

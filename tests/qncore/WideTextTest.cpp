@@ -2,8 +2,6 @@
 
 #include <gtest/gtest.h>
 
-#include <algorithm>
-#include <climits>
 #include <vector>
 
 #ifdef QNCORE_TEST_HAVE_ICU
@@ -11,31 +9,6 @@
 #endif
 
 using namespace qntest;
-
-TEST(WideText, LengthAndOrdinalComparison) {
-    EXPECT_EQ(QNStrLenW(nullptr), 0);
-    EXPECT_EQ(QNStrLenW(W(u"a\u00E9\U0001F600").c_str()), 4);
-    // Units compare unsigned: U+FFFF after 'a', a high surrogate before U+E000.
-    const std::pair<WString, WString> ascending[] = {
-        {W(u"ab"), W(u"abc")},           {W(u"B"), W(u"a")}, {W(u"a"), W(u"\uFFFF")},
-        {Units({0xD800}), W(u"\uE000")}, {W(u""), W(u"a")},
-    };
-    for (const auto& [a, b] : ascending) {
-        EXPECT_LT(QNStrCmpW(a.c_str(), b.c_str()), 0);
-        EXPECT_GT(QNStrCmpW(b.c_str(), a.c_str()), 0);
-        EXPECT_EQ(QNStrCmpW(b.c_str(), b.c_str()), 0);
-    }
-    EXPECT_EQ(QNStrCmpW(nullptr, W(u"").c_str()), 0);
-    EXPECT_LT(QNStrCmpW(nullptr, W(u"a").c_str()), 0);
-    EXPECT_GT(QNStrCmpW(W(u"a").c_str(), nullptr), 0);
-
-    const WString x = Units({'a', 0, 'b', 0xFFFF}), y = Units({'a', 0, 'c'});
-    EXPECT_LT(QNStrCmpNW(x.data(), 3, y.data(), 3), 0); // zeros inside are ordinary units
-    EXPECT_EQ(QNStrCmpNW(x.data(), 2, y.data(), 2), 0);
-    EXPECT_GT(QNStrCmpNW(x.data(), 2, y.data(), 1), 0); // a prefix sorts first
-    EXPECT_LT(QNStrCmpNW(x.data(), 0, y.data(), 1), 0);
-    EXPECT_GT(QNStrCmpNW(x.data() + 3, 1, y.data(), 3), 0);
-}
 
 TEST(WideText, SimpleCaseMapping) {
     // unit, lower, upper: final sigma, dotted and dotless i, Kelvin, capital and small sharp s
@@ -68,110 +41,6 @@ TEST(WideText, SimpleCaseMapping) {
     EXPECT_TRUE(wrong.empty()) << wrong.size() << " units differ from ICU, the first U+" << std::hex
                                << (wrong.empty() ? 0 : wrong[0]);
 #endif
-}
-
-TEST(WideText, MapsTextInPlace) {
-    WString text = Units({'A', 0x03A3, 0, 'B', 'C'});
-    EXPECT_EQ(QNStrToLowerW(text.data(), -1), text.data());
-    EXPECT_EQ(text, Units({'a', 0x03C3, 0, 'B', 'C'})); // stops at the zero
-    QNStrToLowerW(text.data(), 4);
-    EXPECT_EQ(text, Units({'a', 0x03C3, 0, 'b', 'C'})); // stops at the length, past the zero
-    EXPECT_EQ(QNStrToUpperW(text.data(), 5), text.data());
-    EXPECT_EQ(text, Units({'A', 0x03A3, 0, 'B', 'C'}));
-}
-
-TEST(WideText, NumberToText) {
-    // clang-format off
-    const struct { int32_t value, radix; const char16_t* text; } cases[] = {
-        {0, 10, u"0"}, {-123, 10, u"-123"}, {INT32_MIN, 10, u"-2147483648"}, {5, 2, u"101"},
-        {-1, 2, u"11111111111111111111111111111111"}, {255, 16, u"ff"}, {-1, 16, u"ffffffff"},
-        {INT32_MIN, 16, u"80000000"}, {35, 36, u"z"}, {INT32_MAX, 36, u"zik0zj"}, {-1, 36, u"1z141z3"},
-    };
-    // clang-format on
-    QNWCHAR buffer[40];
-    for (const auto& c : cases) {
-        EXPECT_EQ(QNLToStrW(c.value, buffer, 40, c.radix), QN_S_OK);
-        EXPECT_EQ(WString(buffer), W(c.text)) << c.value << " in radix " << c.radix;
-    }
-    for (int32_t radix : {-10, 0, 1, 37})
-        EXPECT_EQ(QNLToStrW(1, buffer, 12, radix), QN_E_INVALIDARG) << radix;
-    EXPECT_EQ(QNLToStrW(1, nullptr, 12, 10), QN_E_INVALIDARG);
-    EXPECT_EQ(QNLToStrW(INT32_MIN, buffer, 12, 10), QN_S_OK); // exactly fits with its zero
-    EXPECT_EQ(QNLToStrW(INT32_MIN, buffer, 11, 10), QN_E_BUFFERTOOSMALL);
-    EXPECT_EQ(buffer[0], 0);
-    buffer[0] = 'x';
-    EXPECT_EQ(QNLToStrW(7, buffer, 0, 10), QN_E_BUFFERTOOSMALL);
-    EXPECT_EQ(buffer[0], 'x'); // no room even for the empty text
-}
-
-TEST(WideText, BoundedCopy) {
-    QNWCHAR out[5] = {'#', '#', '#', '#', '#'};
-    EXPECT_EQ(QNStrCpyNW(out, 4, W(u"abcdef").c_str(), -1), QN_S_FALSE);
-    EXPECT_EQ(WString(out), W(u"abc"));
-    EXPECT_EQ(out[4], '#');
-    EXPECT_EQ(QNStrCpyNW(out, 4, W(u"xyzw").c_str(), 3), QN_S_OK);
-    EXPECT_EQ(QNStrCpyNW(out, 4, W(u"xyzw").c_str(), 2), QN_S_OK);
-    EXPECT_EQ(WString(out), W(u"xy"));
-    EXPECT_EQ(QNStrCpyNW(out, 1, W(u"a").c_str(), -1), QN_S_FALSE);
-    EXPECT_EQ(out[0], 0);
-}
-
-namespace {
-
-// A character buffer that counts its locks and can refuse to grow.
-struct Buffer final : IQNCharBuffer {
-    explicit Buffer(bool writable) : writable(writable) {}
-    QNRESULT QN_STDCALL QueryInterface(const QNGUID& iid, void** out) override {
-        return queryInterface(this, QN_IID_IQNCharBuffer, iid, out);
-    }
-    uint32_t QN_STDCALL AddRef() override { return 2; }
-    uint32_t QN_STDCALL Release() override { return 1; }
-    QNRESULT QN_STDCALL GetLength(int32_t* n) override { return *n = length, QN_S_OK; }
-    QNRESULT QN_STDCALL GetData(const QNWCHAR** d) override { return *d = data.data(), QN_S_OK; }
-    QNRESULT QN_STDCALL GetReadLock(const QNWCHAR** d) override { return ++locks, GetData(d); }
-    QNRESULT QN_STDCALL ReleaseReadLock() override { return --locks, QN_S_OK; }
-    QNRESULT QN_STDCALL IsWritable(int32_t* w) override { return *w = writable, QN_S_OK; }
-    QNRESULT QN_STDCALL GetWriteLock(QNWCHAR** d) override {
-        return writable ? (++locks, *d = data.data(), QN_S_OK) : QN_E_ACCESSDENIED;
-    }
-    QNRESULT QN_STDCALL EnsureCapacity(int32_t capacity, QNWCHAR** d) override {
-        if (locks <= 0 || refuseGrowth)
-            return locks <= 0 ? QN_E_UNEXPECTED : QN_E_OUTOFMEMORY;
-        data.resize(std::max<size_t>(data.size(), capacity + 1u));
-        return *d = data.data(), QN_S_OK;
-    }
-    QNRESULT QN_STDCALL ReleaseWriteLock(int32_t n) override {
-        return length = n < 0 ? length : n, --locks, QN_S_OK;
-    }
-    QNRESULT QN_STDCALL FreeExtra() override { return QN_S_OK; }
-    WString text() const { return WString(data.data(), length); }
-
-    bool writable, refuseGrowth = false;
-    int locks = 0;
-    int32_t length = 0;
-    std::vector<QNWCHAR> data = std::vector<QNWCHAR>(1);
-};
-
-} // namespace
-
-TEST(WideText, CopyIntoCharacterBuffer) {
-    Buffer buffer(true);
-    for (const WString& text : {Units({'a', 0, 0xE9}), W(u"a longer text"), W(u"xy")}) {
-        EXPECT_EQ(QNCopyCharBuffer(&buffer, text.c_str(), static_cast<int32_t>(text.size())),
-                  QN_S_OK);
-        EXPECT_EQ(buffer.text(), text);
-    }
-    EXPECT_EQ(QNCopyCharBuffer(&buffer, W(u"abc").c_str(), -1), QN_S_OK);
-    EXPECT_EQ(buffer.text(), W(u"abc"));
-    EXPECT_EQ(QNCopyCharBuffer(&buffer, nullptr, -1), QN_S_OK);
-    EXPECT_EQ(buffer.text(), WString());
-    buffer.refuseGrowth = true;
-    EXPECT_EQ(QNCopyCharBuffer(&buffer, W(u"longer than anything before").c_str(), -1),
-              QN_E_OUTOFMEMORY);
-    EXPECT_EQ(buffer.locks, 0) << "a lock is left held";
-    Buffer readOnly(false);
-    EXPECT_EQ(QNCopyCharBuffer(&readOnly, W(u"abc").c_str(), -1), QN_E_ACCESSDENIED);
-    EXPECT_EQ(readOnly.text(), WString());
 }
 
 TEST(WideText, Utf8Conversion) {

@@ -67,17 +67,6 @@ TEST(CodecManager, UnknownNamesCarryTheNameAsked) {
     EXPECT_EQ(info.codePage, 1250);
 }
 
-TEST(CodecManager, DefaultConverterAlwaysComesBack) {
-    Reference<ByteToCharConverter> decoder =
-        ByteToCharConverter::getConverter(static_cast<const char16_t*>(nullptr));
-    Reference<CharToByteConverter> encoder = CharToByteConverter::getDefaultConverter();
-    ASSERT_TRUE(decoder);
-    ASSERT_TRUE(encoder);
-    // Whatever the default is, plain ASCII passes through it unchanged.
-    EXPECT_EQ(decodeAll(*decoder, {0x61, 0x62}), u"ab");
-    EXPECT_EQ(encodeAll(*encoder, u"ab"), (Bytes{0x61, 0x62}));
-}
-
 TEST(CodecManager, FirstRegistrationWinsAndMissingClassesGiveNothing) {
     CodecManager* manager = CodecManager::getInstance();
     manager->registerCodec(u"utf-8", u"qn::text::charset::CTBUTF16LE",
@@ -250,20 +239,4 @@ TEST(EncInfo, LookupsByNameAliasAndCodePage) {
     for (int32_t missing : {0, -1, 1200, 65000})
         EXPECT_EQ(QNGetEncInfoByCodePage(missing, &info), QN_E_FAIL);
     EXPECT_EQ(QNGetEncInfoByCodePage(1252, nullptr), QN_E_INVALIDARG);
-}
-
-TEST(CodecManager, ConverterClassesAreRegisteredByTheirFullNames) {
-    for (const char16_t* name :
-         {u"qn::text::charset::BTCUTF8", u"qn::text::charset::CTBUTF8",
-          u"qn::text::charset::BTCUTF16LE", u"qn::text::charset::CTBUTF16BE",
-          u"qn::text::charset::BTCUTF32BE", u"qn::text::charset::CTBUTF32LE"}) {
-        const Class* type = Class::forName(name);
-        Reference<Object> made = type->createInstance();
-        EXPECT_EQ(std::u16string(made->getClass()->getName()), name);
-        EXPECT_EQ(made->GetRefCount(), 1u);
-    }
-    EXPECT_THROW(Class::forName(u"CQNByteToCharConverter")->createInstance(),
-                 IllegalAccessException);
-    EXPECT_THROW(Class::forName(u"CQNCharToByteConverter")->createInstance(),
-                 IllegalAccessException);
 }

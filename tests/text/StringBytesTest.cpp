@@ -71,11 +71,3 @@ TEST(StringBytes, IntoAByteBuffer) {
     EXPECT_EQ(buffer->getLength(), 4);
     EXPECT_EQ(std::memcmp(buffer->getData(), "\x00\xF6\x01\x00", 4), 0);
 }
-
-TEST(StringBytes, RoundTripsThroughEveryUnicodeForm) {
-    const String text(u"mixed \u00E9 \u0416 \u4E2D \U0001F600 \uFEFF end");
-    for (const char16_t* name : {u"UTF-8", u"UTF-16LE", u"UTF-16BE", u"UTF-32LE", u"UTF-32BE"}) {
-        Reference<String::AnsiBytes> bytes = text.getBytes(name);
-        EXPECT_EQ(textOf(String(bytes->getData(), bytes->getLength(), name)), textOf(text));
-    }
-}

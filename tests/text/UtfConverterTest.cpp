@@ -402,31 +402,6 @@ TEST(UTF32, EveryBoundaryGivesTheOneShotResult) {
         }
 }
 
-TEST(Converters, CapacitiesAndNames) {
-    const struct {
-        Reference<Object> converter;
-        const char16_t* name;
-        long bytesPerChar, charsPerByte;
-    } cases[] = {
-        {new BTCUTF8, u"UTF-8", 6, 4},       {new CTBUTF8, u"UTF-8", 6, 1},
-        {new BTCUTF16LE, u"UTF-16LE", 4, 4}, {new CTBUTF16BE, u"UTF-16BE", 4, 4},
-        {new BTCUTF32BE, u"UTF-32BE", 4, 4}, {new CTBUTF32LE, u"UTF-32LE", 4, 4},
-    };
-    for (const auto& c : cases) {
-        if (auto* d = dynamic_cast<ByteToCharConverter*>(c.converter.get())) {
-            EXPECT_EQ(std::u16string(d->getEncodingName()), c.name);
-            EXPECT_EQ(d->getMaxBytesPerChar(), c.bytesPerChar);
-            EXPECT_EQ(d->getMaxCharsPerByte(), c.charsPerByte);
-        } else {
-            auto* e = dynamic_cast<CharToByteConverter*>(c.converter.get());
-            ASSERT_NE(e, nullptr);
-            EXPECT_EQ(std::u16string(e->getEncodingName()), c.name);
-            EXPECT_EQ(e->getMaxBytesPerChar(), c.bytesPerChar);
-            EXPECT_EQ(e->getMaxCharsPerByte(), c.charsPerByte);
-        }
-    }
-}
-
 TEST(Converters, SubstitutionSettings) {
     BTCUTF8 decoder;
     EXPECT_TRUE(decoder.getSubstitutionMode());

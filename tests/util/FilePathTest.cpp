@@ -3,7 +3,6 @@
 
 #include <gtest/gtest.h>
 
-#include <filesystem>
 #include <string>
 
 using namespace qn;
@@ -141,27 +140,4 @@ TEST(FilePath, PartsOfAPath) {
         EXPECT_EQ(units(FilePath(n.name).getExtension()), n.extension) << shown(String(n.name));
         EXPECT_EQ(units(FilePath(n.name).getStem()), n.stem) << shown(String(n.name));
     }
-}
-
-TEST(FilePath, AbsoluteRelativeAndComparison) {
-    const FilePath cwd(String(std::filesystem::current_path().u16string().c_str()));
-    const FilePath relative(u"sub/./x/../file.txt");
-    const FilePath absolute = relative.toAbsolute();
-    EXPECT_TRUE(absolute.isAbsolute());
-    EXPECT_EQ(absolute, cwd / FilePath(u"sub/file.txt"));
-    EXPECT_EQ(cwd.relativize(absolute), FilePath(u"sub/file.txt"));
-    EXPECT_EQ(relative.normalize(), FilePath(u"sub/file.txt"));
-    EXPECT_EQ(FilePath(u"a//b/"), FilePath(u"a/b"));
-
-    const FilePath upper(u"Dir/File"), lower(u"dir/file");
-    const bool caseSensitive = PathNormaliser::isCaseSensitive(PathNormaliser::NATIVE_STYLE);
-    EXPECT_EQ(upper.equals(lower), !caseSensitive);
-    EXPECT_EQ(upper.hashCode() == lower.hashCode(), !caseSensitive);
-    EXPECT_EQ(upper.compareTo(lower) == 0, !caseSensitive);
-    EXPECT_LT(FilePath(u"a").compareTo(FilePath(u"b")), 0);
-    EXPECT_THROW(upper.compareTo(String(u"Dir/File")), CastFailedException);
-    EXPECT_FALSE(upper.equals(String(u"Dir/File")));
-    Reference<Object> copy = upper.clone();
-    EXPECT_TRUE(copy->equals(upper));
-    EXPECT_EQ(units(copy->toString()), units(upper.getPath()));
 }

@@ -1,6 +1,6 @@
 // The single-byte converters: substitution settings (including the deliberate dropping when
 // the substitution is not one unit long), surrogate pairing and its positions after exceptions,
-// stops at every output boundary, the word-at-a-time paths against the per-byte hooks, and
+// the word-at-a-time paths against the per-byte hooks, and
 // creation by name and through the class registry.
 #include "ConverterHarness.h"
 
@@ -175,35 +175,6 @@ TEST(SingleByteConverterTest, UnpairedSurrogatesLeaveTheirPositions) {
     EXPECT_EQ(result.failure, "unmappable");
     EXPECT_EQ(result.failedAt, 2);
     EXPECT_EQ(cp437.flush(out, &outPos, 4), 0);
-}
-
-TEST(SingleByteConverterTest, StopsAtEveryOutputBoundary) {
-    std::vector<Pair> pairs = allPairs();
-    const Bytes in = bytes({'H', 0xE9, 'l', 0x81, 0x80, 'o', 0xFF, 'x'});
-    for (Pair& p : pairs) {
-        const Units whole = decodeAll(*p.decoder, in).out;
-        for (long room = 0; room <= static_cast<long>(in.size()); ++room) {
-            std::vector<char16_t> out(in.size() + 2, 0);
-            long inPos = 0, outPos = 0;
-            p.decoder->convert(in.data(), &inPos, static_cast<long>(in.size()), out.data(), &outPos,
-                               room);
-            // One unit per byte with the default substitution, so both stop together.
-            EXPECT_EQ(outPos, room);
-            EXPECT_EQ(inPos, room);
-            EXPECT_EQ(Units(out.data(), static_cast<size_t>(room)), whole.substr(0, room));
-        }
-        const Units text = u"Hi\u00E9\u20AC\u2591!";
-        const Bytes encoded = encodeAll(*p.encoder, text).out;
-        for (long room = 0; room <= static_cast<long>(text.size()); ++room) {
-            std::vector<signed char> out(text.size() + 2, 0);
-            long inPos = 0, outPos = 0;
-            p.encoder->convert(text.data(), &inPos, static_cast<long>(text.size()), out.data(),
-                               &outPos, room);
-            EXPECT_EQ(outPos, room);
-            EXPECT_EQ(inPos, room);
-            EXPECT_TRUE(std::equal(out.begin(), out.begin() + room, encoded.begin()));
-        }
-    }
 }
 
 TEST(SingleByteConverterTest, FastPathsMatchTheHooksInRandomPieces) {
