@@ -2,7 +2,9 @@
 // InputStreamReader decoding UTF-8 against std::getline on std::ifstream (bytes, no decoding)
 // and against std::getline with each line decoded to UTF-16 by ICU. Writing: OutputStreamWriter
 // encoding UTF-16 text to UTF-8 into a file against std::ofstream writing the same text already
-// encoded, in the same pieces.
+// encoded, in the same pieces. Each runs on mixed text (ASCII with Latin-1, Cyrillic, CJK and
+// emoji words) and on all-ASCII text, where the codec is cheapest and what is left is the cost
+// of the reader and the writer themselves.
 #include "qn/io/BufferedReader.h"
 #include "qn/io/FileInputStream.h"
 #include "qn/io/FileOutputStream.h"
@@ -26,12 +28,18 @@ constexpr size_t TEXT_SIZE = 32 << 20; // bytes of UTF-8, about
 constexpr long BUFFER_SIZE = 64 << 10;
 constexpr size_t WRITE_PIECE = 4096; // characters per write
 
-// Lines of 0 to 159 characters: mostly ASCII, some Latin-1, Cyrillic, CJK and emoji.
-std::u16string makeText() {
-    static const char16_t* const words[] = {
+// Lines of 0 to 159 characters: mostly ASCII, some Latin-1, Cyrillic, CJK and emoji; with
+// ascii, the words of other scripts are replaced by ASCII ones.
+std::u16string makeText(bool ascii) {
+    static const char16_t* const mixed[] = {
         u"the",  u"stream", u"of",    u"characters", u"reader", u"line",   u"buffer",
         u"caf\u00E9", u"na\u00EFve", u"\u043F\u0440\u0438\u0432\u0435\u0442",
         u"\u6587\u5B57\u5217", u"\U0001F600", u"42", u"x"};
+    static const char16_t* const plain[] = {
+        u"the",  u"stream", u"of",    u"characters", u"reader", u"line", u"buffer",
+        u"cafe", u"naive",  u"privet", u"text", u"smile", u"42", u"x"};
+    static_assert(sizeof mixed == sizeof plain, "the same number of words");
+    const char16_t* const* words = ascii ? plain : mixed;
     std::u16string text;
     uint32_t x = 2024;
     size_t bytes = 0;
@@ -41,7 +49,7 @@ std::u16string makeText() {
         std::u16string line;
         while (line.size() < length) {
             x = x * 1103515245u + 12345u;
-            const std::u16string word = words[(x >> 16) % (sizeof words / sizeof *words)];
+            const std::u16string word = words[(x >> 16) % (sizeof mixed / sizeof *mixed)];
             line += word;
             line += u' ';
             bytes += word.size() + 1 + (word[0] > 0x7F ? word.size() : 0);
@@ -78,12 +86,13 @@ std::string toUtf8(const std::u16string& text) {
     return out;
 }
 
-// The text, its UTF-8 form, and that form in a file in the temporary directory, made once and
+// A text, its UTF-8 form, and that form in a file in the temporary directory, made once and
 // removed at exit (with the file the writing cases make).
 struct Data {
-    Data()
-        : text(makeText()), utf8(toUtf8(text)),
-          input(std::filesystem::temp_directory_path() / "qncl-readers-bench.txt"),
+    explicit Data(bool ascii)
+        : text(makeText(ascii)), utf8(toUtf8(text)),
+          input(std::filesystem::temp_directory_path() /
+                (ascii ? "qncl-readers-bench-ascii.txt" : "qncl-readers-bench.txt")),
           output(std::filesystem::temp_directory_path() / "qncl-readers-bench.out") {
         std::ofstream(input, std::ios::binary).write(utf8.data(), static_cast<long>(utf8.size()));
     }
@@ -97,8 +106,8 @@ struct Data {
     std::filesystem::path output;
 };
 
-const Data& data() {
-    static const Data d;
+template <bool ASCII> const Data& data() {
+    static const Data d(ASCII);
     return d;
 }
 
@@ -106,12 +115,17 @@ qn::String qnPath(const std::filesystem::path& p) {
     return qn::String(p.u16string().c_str());
 }
 
-void setRate(benchmark::State& state) {
-    state.SetBytesProcessed(static_cast<int64_t>(state.iterations() * data().utf8.size()));
+template <bool ASCII> void setRate(benchmark::State& state) {
+    state.SetBytesProcessed(static_cast<int64_t>(state.iterations() * data<ASCII>().utf8.size()));
 }
 
-void ReadLine_ours(benchmark::State& state) {
-    const qn::String path = qnPath(data().input);
+// Both texts, each under its own case name.
+#define QNCL_READERS_CASE(function, name, peer)                                                    \
+    BENCHMARK(function<false>)->Name("readers." name "/" peer)->Unit(benchmark::kMillisecond);     \
+    BENCHMARK(function<true>)->Name("readers." name "Ascii/" peer)->Unit(benchmark::kMillisecond)
+
+template <bool ASCII> void ReadLine_ours(benchmark::State& state) {
+    const qn::String path = qnPath(data<ASCII>().input);
     for (auto _ : state) {
         qn::Reference<qn::io::BufferedReader> in = new qn::io::BufferedReader(
             new qn::io::InputStreamReader(new qn::io::FileInputStream(path), u"UTF-8",
@@ -123,27 +137,27 @@ void ReadLine_ours(benchmark::State& state) {
             total += static_cast<size_t>(n) + 1;
         benchmark::DoNotOptimize(total);
     }
-    setRate(state);
+    setRate<ASCII>(state);
 }
-BENCHMARK(ReadLine_ours)->Name("readers.ReadLine/ours")->Unit(benchmark::kMillisecond);
+QNCL_READERS_CASE(ReadLine_ours, "ReadLine", "ours");
 
-void ReadLine_getline(benchmark::State& state) {
+template <bool ASCII> void ReadLine_getline(benchmark::State& state) {
     for (auto _ : state) {
-        std::ifstream in(data().input, std::ios::binary);
+        std::ifstream in(data<ASCII>().input, std::ios::binary);
         std::string line;
         size_t total = 0;
         while (std::getline(in, line))
             total += line.size() + 1;
         benchmark::DoNotOptimize(total);
     }
-    setRate(state);
+    setRate<ASCII>(state);
 }
-BENCHMARK(ReadLine_getline)->Name("readers.ReadLine/std::getline")->Unit(benchmark::kMillisecond);
+QNCL_READERS_CASE(ReadLine_getline, "ReadLine", "std::getline");
 
 #ifdef QNCL_BENCH_ICU
-void ReadLine_icu(benchmark::State& state) {
+template <bool ASCII> void ReadLine_icu(benchmark::State& state) {
     for (auto _ : state) {
-        std::ifstream in(data().input, std::ios::binary);
+        std::ifstream in(data<ASCII>().input, std::ios::binary);
         std::string line;
         std::vector<UChar> units(256);
         size_t total = 0;
@@ -164,16 +178,14 @@ void ReadLine_icu(benchmark::State& state) {
         }
         benchmark::DoNotOptimize(total);
     }
-    setRate(state);
+    setRate<ASCII>(state);
 }
-BENCHMARK(ReadLine_icu)
-    ->Name("readers.ReadLine/ICU+std::getline")
-    ->Unit(benchmark::kMillisecond);
+QNCL_READERS_CASE(ReadLine_icu, "ReadLine", "ICU+std::getline");
 #endif
 
-void WriteUtf8_ours(benchmark::State& state) {
-    const qn::String path = qnPath(data().output);
-    const std::u16string& text = data().text;
+template <bool ASCII> void WriteUtf8_ours(benchmark::State& state) {
+    const qn::String path = qnPath(data<ASCII>().output);
+    const std::u16string& text = data<ASCII>().text;
     for (auto _ : state) {
         qn::Reference<qn::io::OutputStreamWriter> out = new qn::io::OutputStreamWriter(
             new qn::io::FileOutputStream(path, false), u"UTF-8", BUFFER_SIZE);
@@ -182,19 +194,19 @@ void WriteUtf8_ours(benchmark::State& state) {
         out->flush();
         out->close();
     }
-    setRate(state);
+    setRate<ASCII>(state);
 }
-BENCHMARK(WriteUtf8_ours)->Name("readers.WriteUtf8/ours")->Unit(benchmark::kMillisecond);
+QNCL_READERS_CASE(WriteUtf8_ours, "WriteUtf8", "ours");
 
-void WriteUtf8_ofstream(benchmark::State& state) {
-    const std::string& utf8 = data().utf8;
+template <bool ASCII> void WriteUtf8_ofstream(benchmark::State& state) {
+    const std::string& utf8 = data<ASCII>().utf8;
     // The same pieces as ours: the bytes of WRITE_PIECE characters each.
     std::vector<size_t> pieces;
-    const std::u16string& text = data().text;
+    const std::u16string& text = data<ASCII>().text;
     for (size_t at = 0; at < text.size(); at += WRITE_PIECE)
         pieces.push_back(toUtf8(text.substr(at, WRITE_PIECE)).size());
     for (auto _ : state) {
-        std::ofstream out(data().output, std::ios::binary | std::ios::trunc);
+        std::ofstream out(data<ASCII>().output, std::ios::binary | std::ios::trunc);
         size_t at = 0;
         for (size_t n : pieces) {
             out.write(utf8.data() + at, static_cast<long>(n));
@@ -202,11 +214,9 @@ void WriteUtf8_ofstream(benchmark::State& state) {
         }
         out.flush();
     }
-    setRate(state);
+    setRate<ASCII>(state);
 }
-BENCHMARK(WriteUtf8_ofstream)
-    ->Name("readers.WriteUtf8/std::ofstream")
-    ->Unit(benchmark::kMillisecond);
+QNCL_READERS_CASE(WriteUtf8_ofstream, "WriteUtf8", "std::ofstream");
 
 } // namespace
 

@@ -51,6 +51,11 @@ private:
     void checkOpen() const;
     MarkedBuffer<char16_t> state();
     int readAfterFill();
+    // The part of a line that goes on past the buffer, appended to line (total units so far);
+    // false when the input ended (or had nothing now) before a terminator.
+    bool readLineRest(String& line, long total);
+    // Steps over the LF or CR at m_pos, and an LF after a CR, also behind a refill.
+    void skipTerminator();
 
     Reference<Reader> m_in;
     long m_size;
