@@ -15,7 +15,8 @@ namespace {
 constexpr long MIN_BUFFER = 16;
 
 // The first LF or CR in [p, end), or end. Both are below 0x0E, so the scalar test rejects most
-// characters with one comparison; with SSE2, sixteen units are tested per round.
+// characters with one comparison; with SSE2, sixteen units are tested per round, their results
+// packed into one bit each so that the end of a line costs one branch.
 const char16_t* findLineEnd(const char16_t* p, const char16_t* end) {
 #ifdef QNCL_IO_SSE2
     const __m128i lf = _mm_set1_epi16(u'\n');
@@ -25,21 +26,16 @@ const char16_t* findLineEnd(const char16_t* p, const char16_t* end) {
         return _mm_or_si128(_mm_cmpeq_epi16(v, lf), _mm_cmpeq_epi16(v, cr));
     };
     for (; end - p >= 16; p += 16) {
-        const __m128i low = terminators(p);
-        const __m128i high = terminators(p + 8);
-        const int mask = _mm_movemask_epi8(_mm_or_si128(low, high));
-        if (mask == 0)
-            continue;
-        // Each unit sets two bits of a mask: the first set bit halved is its index.
-        const int lowMask = _mm_movemask_epi8(low);
-        if (lowMask != 0)
-            return p + (__builtin_ctz(static_cast<unsigned>(lowMask)) >> 1);
-        return p + 8 + (__builtin_ctz(static_cast<unsigned>(_mm_movemask_epi8(high))) >> 1);
+        // A unit that matched is 0xFFFF, which packs to one byte 0xFF.
+        const int mask = _mm_movemask_epi8(_mm_packs_epi16(terminators(p), terminators(p + 8)));
+        if (mask != 0)
+            return p + __builtin_ctz(static_cast<unsigned>(mask));
     }
     if (end - p >= 8) {
-        const int mask = _mm_movemask_epi8(terminators(p));
+        const int mask =
+            _mm_movemask_epi8(_mm_packs_epi16(terminators(p), _mm_setzero_si128())) & 0xFF;
         if (mask != 0)
-            return p + (__builtin_ctz(static_cast<unsigned>(mask)) >> 1);
+            return p + __builtin_ctz(static_cast<unsigned>(mask));
         p += 8;
     }
 #endif
