@@ -507,6 +507,18 @@ String& String::setTo(AcquireMode mode, const String& other, int32_t start, int3
     return *this;
 }
 String& String::setTo(const char16_t* text, int32_t length) {
+    // A string reused for one piece of text after another (a line, a field) holds its block
+    // alone with room to spare: one copy, nothing else. Nothing follows the copied text, so text
+    // from the block itself may overlap it.
+    if (text && length >= 0 && (m_buffer & KIND_MASK) == BUFFER_RW) {
+        RWCharBuffer* buffer = rw();
+        if (length < buffer->m_capacity && buffer->GetRefCount() == 0) {
+            std::memmove(buffer->m_data, text, static_cast<size_t>(length) * sizeof(char16_t));
+            buffer->m_data[length] = 0;
+            buffer->m_length = length;
+            return *this;
+        }
+    }
     return replaceText(0, -1, text, length);
 }
 String& String::setTo(AcquireMode mode, const char16_t* text, int32_t length, int32_t capacity) {
