@@ -2,62 +2,13 @@
 #include "qn/io/BufferedWriter.h"
 
 #include "StreamSupport.h"
-
-#include <cstdint>
-
-#if defined(__SSE2__)
-#include <emmintrin.h>
-#define QNCL_IO_SSE2 1
-#endif
+#include "UnitScan.h"
 
 namespace qn::io {
 
 namespace {
-
 constexpr long MIN_BUFFER = 16;
-
-// True when one of the four 16-bit units in word is LF or CR. A unit equal to c leaves a zero
-// unit in word ^ c, and subtracting one from each unit borrows into the top bit of a zero unit
-// first; units above a zero one may be flagged too, which does not matter for "any".
-inline bool hasTerminator(uint64_t word) {
-    constexpr uint64_t ONES = 0x0001000100010001u;
-    constexpr uint64_t TOPS = 0x8000800080008000u;
-    const uint64_t lf = word ^ (ONES * u'\n');
-    const uint64_t cr = word ^ (ONES * u'\r');
-    return (((lf - ONES) & ~lf) | ((cr - ONES) & ~cr)) & TOPS;
 }
-
-// The first LF or CR in [p, end), or end. With SSE2, sixteen units are tested per round, their
-// results packed into one bit each so that the end of a line costs one branch; then four at a
-// time in a machine word (all of it on the 32-bit target), and the last few one by one.
-const char16_t* findLineEnd(const char16_t* p, const char16_t* end) {
-#ifdef QNCL_IO_SSE2
-    const __m128i lf = _mm_set1_epi16(u'\n');
-    const __m128i cr = _mm_set1_epi16(u'\r');
-    auto terminators = [&](const char16_t* at) {
-        const __m128i v = _mm_loadu_si128(reinterpret_cast<const __m128i*>(at));
-        return _mm_or_si128(_mm_cmpeq_epi16(v, lf), _mm_cmpeq_epi16(v, cr));
-    };
-    for (; end - p >= 16; p += 16) {
-        // A unit that matched is 0xFFFF, which packs to one byte 0xFF.
-        const int mask = _mm_movemask_epi8(_mm_packs_epi16(terminators(p), terminators(p + 8)));
-        if (mask != 0)
-            return p + __builtin_ctz(static_cast<unsigned>(mask));
-    }
-#endif
-    for (; end - p >= 4; p += 4) {
-        uint64_t word;
-        std::memcpy(&word, p, sizeof word);
-        if (hasTerminator(word))
-            break;
-    }
-    // Both terminators are below 0x0E, so most characters cost one comparison.
-    while (p < end && (*p > u'\r' || (*p != u'\n' && *p != u'\r')))
-        ++p;
-    return p;
-}
-
-} // namespace
 
 BufferedReader::BufferedReader(Reader* in, long size)
     : m_in(checkStream(in)), m_size(std::max(size, MIN_BUFFER)), m_buffer(new char16_t[m_size]) {}
@@ -137,7 +88,7 @@ long BufferedReader::readLine(String& line) {
     // Most lines end inside the buffer: one scan and one copy into the line's own block.
     const char16_t* const start = m_buffer.get() + m_pos;
     const char16_t* const end = m_buffer.get() + m_count;
-    const char16_t* const stop = findLineEnd(start, end);
+    const char16_t* const stop = scan::findLineEnd(start, end);
     const long n = static_cast<long>(stop - start);
     line.setTo(start, static_cast<int32_t>(n));
     m_pos += n;
@@ -157,7 +108,7 @@ bool BufferedReader::readLineRest(String& line, long total) {
             return false;
         const char16_t* const start = m_buffer.get() + m_pos;
         const char16_t* const end = m_buffer.get() + m_count;
-        const char16_t* const stop = findLineEnd(start, end);
+        const char16_t* const stop = scan::findLineEnd(start, end);
         const long n = static_cast<long>(stop - start);
         if (total + n > reserved) {
             reserved = std::max(total + n, reserved + reserved / 2);
