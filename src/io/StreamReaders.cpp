@@ -2,7 +2,6 @@
 #include "qn/io/OutputStreamWriter.h"
 
 #include "StreamSupport.h"
-#include "UnitScan.h"
 
 #include <algorithm>
 #include <cstring>
@@ -179,23 +178,16 @@ void OutputStreamWriter::write(const char16_t* buf, long len) {
 }
 
 void OutputStreamWriter::encode(const char16_t* in, long len) {
-    // The converter must never run out of room in the middle of a pair: an encoder that has
-    // consumed a high surrogate need not keep it when the pair does not fit. So each call gets
-    // the characters the free room surely takes (at least two, a whole pair); unless they end
-    // with a high surrogate, also the units after them up to the next one, no more than there
-    // are free bytes: wherever the room runs out in those, it is not inside a pair. The buffer
-    // counts as full once it cannot take the longest sequence.
+    // Each call of the converter gets no more characters than the free room surely takes (and
+    // at least two, a whole pair), so it never runs out of room in the middle of a pair: an
+    // encoder that has consumed a high surrogate need not keep it when the pair does not fit.
+    // The buffer counts as full once it cannot take the longest sequence.
     const long longest = m_converter->getMaxBytesPerChar();
     long pos = 0;
     while (pos < len) {
         if (m_size - m_count < longest)
             writeBuffered();
-        const long free = m_size - m_count;
-        long end = std::min(len, pos + std::max(2L, free / longest));
-        if ((in[end - 1] & 0xFC00) != 0xD800)
-            end = static_cast<long>(
-                scan::findHighSurrogate(in + end, in + std::max(end, std::min(len, pos + free))) -
-                in);
+        const long end = std::min(len, pos + std::max(2L, (m_size - m_count) / longest));
         const long before = pos;
         long n = 0;
         try {

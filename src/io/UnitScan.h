@@ -1,7 +1,6 @@
-// Searches over UTF-16 units for the readers and writers: the end of a line, and the first high
-// surrogate. Sixteen units are tested per round with SSE2, their results packed into one bit
-// each so that a match costs one branch; then four at a time in a 64-bit word (all of the
-// search on the 32-bit target), and the last few one by one.
+// The search for the end of a line over UTF-16 units. Sixteen units are tested per round with
+// SSE2, their results packed into one bit each so that a match costs one branch; then four at
+// a time in a 64-bit word (all of the search on the 32-bit target), and the last few one by one.
 #pragma once
 
 #include <cstdint>
@@ -47,32 +46,6 @@ inline const char16_t* findLineEnd(const char16_t* p, const char16_t* end) {
     }
     // Both terminators are below 0x0E, so most characters cost one comparison.
     while (p < end && (*p > u'\r' || (*p != u'\n' && *p != u'\r')))
-        ++p;
-    return p;
-}
-
-// The first high surrogate (0xD800-0xDBFF) in [p, end), or end.
-inline const char16_t* findHighSurrogate(const char16_t* p, const char16_t* end) {
-#ifdef QNCL_IO_SSE2
-    const __m128i top = _mm_set1_epi16(static_cast<short>(0xFC00));
-    const __m128i high = _mm_set1_epi16(static_cast<short>(0xD800));
-    auto surrogates = [&](const char16_t* at) {
-        const __m128i v = _mm_loadu_si128(reinterpret_cast<const __m128i*>(at));
-        return _mm_cmpeq_epi16(_mm_and_si128(v, top), high);
-    };
-    for (; end - p >= 16; p += 16) {
-        const int mask = _mm_movemask_epi8(_mm_packs_epi16(surrogates(p), surrogates(p + 8)));
-        if (mask != 0)
-            return p + __builtin_ctz(static_cast<unsigned>(mask));
-    }
-#endif
-    for (; end - p >= 4; p += 4) {
-        uint64_t word;
-        std::memcpy(&word, p, sizeof word);
-        if (hasZeroUnit((word & (ONES * 0xFC00)) ^ (ONES * 0xD800)))
-            break;
-    }
-    while (p < end && (*p & 0xFC00) != 0xD800)
         ++p;
     return p;
 }

@@ -128,34 +128,6 @@ TEST(OutputStreamWriter, SameBytesWhateverTheWriteSplits) {
     }
 }
 
-TEST(OutputStreamWriter, PairsWhereverTheBufferFillsUp) {
-    // Pairs among one-, two- and three-byte characters land at every place of small buffers:
-    // wherever the room runs out, the bytes are those of one-shot encoding.
-    const std::u16string pieces[] = {u"a", u"bc", u"\u00E9", u"\u20AC", u"\U0001F600",
-                                     u"\U00010348\U0001F600", u"\u4E2D"};
-    uint32_t x = 11;
-    auto next = [&x](uint32_t n) {
-        x = x * 1103515245u + 12345u;
-        return (x >> 16) % n;
-    };
-    for (int round = 0; round < 200; ++round) {
-        std::u16string text;
-        for (uint32_t n = next(60); n > 0; --n)
-            text += pieces[next(sizeof pieces / sizeof *pieces)];
-        const long size = 6 + static_cast<long>(next(20));
-        const size_t step = 1 + next(40);
-        for (const char16_t* encoding : {u"UTF-8", u"UTF-16LE"}) {
-            auto* sink = new RecordingOutputStream;
-            Reference<OutputStreamWriter> out = new OutputStreamWriter(sink, encoding, size);
-            for (size_t at = 0; at < text.size(); at += step)
-                out->write(text.data() + at, static_cast<long>(std::min(step, text.size() - at)));
-            out->flush();
-            ASSERT_EQ(sink->data, encodeWhole(encoding, text)) << "round " << round;
-            EXPECT_EQ(out->getCharsEncoded(), static_cast<long long>(text.size()));
-        }
-    }
-}
-
 TEST(OutputStreamWriter, CarriedHighSurrogateFailsAtFlush) {
     for (const char16_t* encoding : {u"AMP-7", u"UTF-8"}) {
         auto* sink = new RecordingOutputStream;
