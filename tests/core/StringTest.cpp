@@ -267,6 +267,9 @@ TEST(StringTest, ChangesFromTheStringsOwnText) {
     EXPECT_EQ(s, u"aabbcabc");
     s.setTo(s.getData() + 5, -1);
     EXPECT_EQ(s, u"abc");
+    s.setTo(s.getData() + 1, 2); // in place, overlapping
+    EXPECT_EQ(s, u"bc");
+    s.setTo(u"abc");
     // Shared: the copy comes from the old buffer, which the other holder keeps.
     String other = s;
     s.prepend(other).replace(0, 1, s.getData() + 1, 2);
