@@ -79,11 +79,10 @@ void BufferedReader::reset() {
 long BufferedReader::readLine(String& line) {
     checkOpen();
     if (m_pos >= m_count) {
+        line.clear();
         state().fill(*m_in);
-        if (m_pos >= m_count) {
-            line.clear();
+        if (m_pos >= m_count)
             return -1;
-        }
     }
     // Most lines end inside the buffer: one scan and one copy into the line's own block.
     const char16_t* const start = m_buffer.get() + m_pos;
@@ -92,9 +91,9 @@ long BufferedReader::readLine(String& line) {
     const long n = static_cast<long>(stop - start);
     line.setTo(start, static_cast<int32_t>(n));
     m_pos += n;
-    if (stop == end && !readLineRest(line, n))
-        return line.getLength(); // a last line without a terminator
-    skipTerminator();
+    // A last line may end without a terminator.
+    if (stop < end || readLineRest(line, n))
+        skipTerminator();
     return line.getLength();
 }
 

@@ -51,8 +51,8 @@ std::vector<std::u16string> splitLines(const std::u16string& text) {
 TEST(BufferedReader, ReadLineMatchesASimpleSplitterOverRandomTextFillsAndBuffers) {
     // Units that share a byte with LF or CR must not end a line; lines of every length put the
     // terminators at every place of a block of units, of its tail, and of a fill.
-    const char16_t alphabet[] = {u'a', u'\n', u'\r', 0x0A0D, 0x0D0A, 0x0A00, 0x010D,
-                                 0xFF0A, 0x0B, 0x0C, 0x0E, 0x09, 0xFFFF};
+    const char16_t alphabet[] = {u'a',   u'\n', u'\r', 0x0A0D, 0x0D0A, 0x0A00, 0x010D,
+                                 0xFF0A, 0x0B,  0x0C,  0x0E,   0x09,   0xFFFF};
     uint32_t x = 7;
     auto next = [&x](uint32_t n) {
         x = x * 1103515245u + 12345u;
@@ -64,7 +64,8 @@ TEST(BufferedReader, ReadLineMatchesASimpleSplitterOverRandomTextFillsAndBuffers
             // Mostly short lines, some far longer than the buffer.
             const uint32_t length = next(4) == 0 ? next(300) : next(40);
             for (uint32_t j = 0; j < length; ++j)
-                text += next(3) == 0 ? alphabet[3 + next(10)] : static_cast<char16_t>(u'a' + next(26));
+                text +=
+                    next(3) == 0 ? alphabet[3 + next(10)] : static_cast<char16_t>(u'a' + next(26));
             text += alphabet[1 + next(2)];
             if (next(3) == 0)
                 text += u'\n';
@@ -105,7 +106,6 @@ TEST(BufferedReader, ReadLineLeavesEarlierLinesAndCopiesAlone) {
     EXPECT_EQ(lines(marked), once);
     EXPECT_EQ(once, splitLines(text));
 }
-
 
 TEST(BufferedReader, ReadLineEndsAtLfCrAndCrLfWhereverTheFillsEnd) {
     const std::u16string input = u"a\r\nb\rc\n\n";
