@@ -1,0 +1,246 @@
+// UTF-16 to UTF-8 eight units a step with SSSE3 and SSE4.1, for any mix of one-, two- and
+// three-byte units and surrogate pairs (x86-64 only; chosen at run time, once).
+//
+// What a step takes, from a window of at least sixteen units of the stretch (the stretch is
+// encodeUtf8Common's: min(units left, free bytes / 3) units, so every store below lands inside
+// the output, and a step reads sixteen units at most):
+// - sixteen ASCII units, packed to sixteen bytes; eight when only the first half is ASCII;
+// - eight units all below U+0800 (Latin-1 text, Cyrillic, Greek, with their ASCII): each unit
+//   becomes one 16-bit lane holding its one or two bytes, and one shuffle, picked by which
+//   lanes need two bytes, squeezes out the unused bytes;
+// - eight units of any other mix: each unit becomes a 32-bit lane holding its one to three bytes
+//   (a high surrogate the first two bytes of its pair's four, the low one after it the last
+//   two), and one shuffle per half, picked by each lane's length, squeezes them together. A
+//   high surrogate in the last lane whose low one follows the block takes that low one too
+//   (all four bytes in its lane) and the step nine units.
+// A block holding a surrogate that is not half of a pair inside it (a lone low one, a high one
+// not followed by a low one, a low one in the first lane) goes unit by unit through the same
+// scalar step as encodeUtf8Common, which stops before such a surrogate for the simple loop.
+// Shorter windows near the end of a stretch go unit by unit too. A step stores whole sixteen
+// byte vectors: the bytes past the units it took are scratch the next step (or the caller's
+// next write) overwrites; nothing is stored at or past outEnd.
+#include "UtfKernels.h"
+
+#ifdef QNCL_UTF_ENCODE_BLOCKS
+
+#include <smmintrin.h>
+#include <tmmintrin.h>
+
+#define QNCL_SSE41 __attribute__((target("ssse3,sse4.1")))
+
+namespace qn::text::charset::utf {
+
+namespace {
+
+// The shuffles that squeeze the lanes of a step together, with the number of bytes each keeps.
+// twoByte[m]: eight 16-bit lanes, lane k keeps its second byte when bit k of m is set.
+// mixed[m]: four 32-bit lanes, lane k keeps 1 + bit k + 2 * bit (k + 4) of m bytes.
+struct EncodeShuffles {
+    alignas(16) uint8_t twoByte[256][16];
+    alignas(16) uint8_t mixed[256][16];
+    uint8_t twoByteLength[256];
+    uint8_t mixedLength[256];
+
+    constexpr EncodeShuffles() : twoByte(), mixed(), twoByteLength(), mixedLength() {
+        for (int m = 0; m < 256; ++m) {
+            int n = 0;
+            for (int k = 0; k < 8; ++k) {
+                twoByte[m][n++] = static_cast<uint8_t>(2 * k);
+                if ((m >> k) & 1)
+                    twoByte[m][n++] = static_cast<uint8_t>(2 * k + 1);
+            }
+            twoByteLength[m] = static_cast<uint8_t>(n);
+            for (; n < 16; ++n)
+                twoByte[m][n] = 0x80;
+            n = 0;
+            for (int k = 0; k < 4; ++k) {
+                const int length = 1 + ((m >> k) & 1) + 2 * ((m >> (k + 4)) & 1);
+                for (int b = 0; b < length; ++b)
+                    mixed[m][n++] = static_cast<uint8_t>(4 * k + b);
+            }
+            mixedLength[m] = static_cast<uint8_t>(n);
+            for (; n < 16; ++n)
+                mixed[m][n] = 0x80;
+        }
+    }
+};
+
+constexpr EncodeShuffles SHUFFLES{};
+
+QNCL_SSE41 inline __m128i load(const void* from) {
+    return _mm_loadu_si128(static_cast<const __m128i*>(from));
+}
+
+QNCL_SSE41 inline void store(uint8_t* to, __m128i bytes) {
+    _mm_storeu_si128(reinterpret_cast<__m128i*>(to), bytes);
+}
+
+QNCL_SSE41 inline __m128i set16(int value) {
+    return _mm_set1_epi16(static_cast<short>(value));
+}
+
+// Eight units below U+0800 (ascii marks the ASCII lanes, asciiBits has one bit a lane for
+// them): stores their bytes at to and says how many there are.
+QNCL_SSE41 inline long encodeTwoByteLanes(__m128i units, __m128i ascii, unsigned asciiBits,
+                                          uint8_t* to) {
+    // Little-endian lanes: the lead byte 0xC0 | unit >> 6 first, then 0x80 | (unit & 0x3F).
+    const __m128i two =
+        _mm_or_si128(_mm_or_si128(_mm_srli_epi16(units, 6),
+                                  _mm_slli_epi16(_mm_and_si128(units, set16(0x3F)), 8)),
+                     set16(0x80C0));
+    const unsigned index = ~asciiBits & 0xFFu;
+    store(to, _mm_shuffle_epi8(_mm_blendv_epi8(two, units, ascii), load(SHUFFLES.twoByte[index])));
+    return SHUFFLES.twoByteLength[index];
+}
+
+// Eight units of any mix at from (from[8] is readable too; ascii and below mark the lanes below
+// U+0080 and U+0800, classBits has their bits, ASCII low): stores their bytes at to, sets
+// written to their number and says how many units it took: 8, 9 when a pair ends the block one
+// unit late, or 0 (nothing taken) when a surrogate is not half of a pair inside it.
+QNCL_SSE41 inline int encodeMixedLanes(const char16_t* from, __m128i units, __m128i ascii,
+                                       __m128i below, unsigned classBits, uint8_t* to,
+                                       long& written) {
+    // Each unit's bytes in a 32-bit lane: first holds the first two, second the third.
+    const __m128i trail = _mm_or_si128(_mm_and_si128(units, set16(0x3F)), set16(0x80));
+    const __m128i mid =
+        _mm_or_si128(_mm_and_si128(_mm_srli_epi16(units, 6), set16(0x3F)), set16(0x80));
+    const __m128i lead2 = _mm_or_si128(_mm_srli_epi16(units, 6), set16(0xC0));
+    const __m128i lead3 = _mm_or_si128(_mm_srli_epi16(units, 12), set16(0xE0));
+    __m128i first = _mm_blendv_epi8(_mm_or_si128(lead3, _mm_slli_epi16(mid, 8)),
+                                    _mm_or_si128(lead2, _mm_slli_epi16(trail, 8)), below);
+    first = _mm_blendv_epi8(first, units, ascii);
+    __m128i second = trail;
+    const unsigned asciiBits = classBits & 0xFFu;
+    const unsigned belowBits = classBits >> 8;
+    // A lane's length is 1 + its bit in twoBits + 2 * its bit in threeBits.
+    unsigned twoBits = belowBits & ~asciiBits;
+    unsigned threeBits = ~belowBits & 0xFFu;
+    int taken = 8;
+    const __m128i surrogate = _mm_cmpeq_epi16(_mm_and_si128(units, set16(0xF800)), set16(0xD800));
+    const unsigned surrogateBits =
+        static_cast<unsigned>(_mm_movemask_epi8(_mm_packs_epi16(surrogate, surrogate))) & 0xFFu;
+    if (surrogateBits != 0) {
+        const __m128i high = _mm_cmpeq_epi16(_mm_and_si128(units, set16(0xFC00)), set16(0xD800));
+        const unsigned highBits =
+            static_cast<unsigned>(_mm_movemask_epi8(_mm_packs_epi16(high, high))) & 0xFFu;
+        const unsigned lowBits = surrogateBits & ~highBits;
+        // Every low surrogate right after a high one, and every high one but the last lane's
+        // right before a low one.
+        if ((lowBits & 1u) != 0 || (((lowBits >> 1) ^ highBits) & 0x7Fu) != 0)
+            return 0;
+        if ((highBits & 0x80u) != 0) {
+            if (!isLowSurrogate(from[8]))
+                return 0;
+            taken = 9;
+        }
+        // The pair (h, l) is U+10000 + (h & 0x3FF) << 10 + (l & 0x3FF); w = its value >> 10.
+        // A high lane holds 0xF0 | w >> 8 and 0x80 | (w >> 2 & 0x3F), and the lane after it
+        // 0x80 | (h & 3) << 4 | (l >> 6 & 0xF) and 0x80 | (l & 0x3F): lowBytes has those two
+        // for the pair starting in each lane.
+        const __m128i next = load(from + 1);
+        const __m128i w = _mm_add_epi16(_mm_and_si128(units, set16(0x3FF)), set16(0x40));
+        const __m128i highBytes = _mm_or_si128(
+            _mm_or_si128(_mm_srli_epi16(w, 8),
+                         _mm_slli_epi16(_mm_and_si128(_mm_srli_epi16(w, 2), set16(0x3F)), 8)),
+            set16(0x80F0));
+        const __m128i lowBytes = _mm_or_si128(
+            _mm_or_si128(_mm_slli_epi16(_mm_and_si128(units, set16(3)), 4),
+                         _mm_and_si128(_mm_srli_epi16(next, 6), set16(0xF))),
+            _mm_or_si128(_mm_slli_epi16(_mm_and_si128(next, set16(0x3F)), 8), set16(0x8080)));
+        first = _mm_blendv_epi8(first, highBytes, high);
+        first =
+            _mm_blendv_epi8(first, _mm_slli_si128(lowBytes, 2), _mm_andnot_si128(high, surrogate));
+        // The last lane's high surrogate with the low one after the block: all four bytes.
+        second = _mm_blendv_epi8(second, lowBytes, high);
+        twoBits |= surrogateBits;
+        threeBits &= ~surrogateBits;
+        if (taken == 9)
+            threeBits |= 0x80u;
+    }
+    const unsigned index0 = (twoBits & 0xFu) | ((threeBits & 0xFu) << 4);
+    const unsigned index1 = (twoBits >> 4) | (threeBits & 0xF0u);
+    store(to, _mm_shuffle_epi8(_mm_unpacklo_epi16(first, second), load(SHUFFLES.mixed[index0])));
+    const long length0 = SHUFFLES.mixedLength[index0];
+    store(to + length0,
+          _mm_shuffle_epi8(_mm_unpackhi_epi16(first, second), load(SHUFFLES.mixed[index1])));
+    written = length0 + SHUFFLES.mixedLength[index1];
+    return taken;
+}
+
+// encodeUtf8Unit up to stop (a pair may end one unit past it); false where it stops.
+inline bool encodeUtf8Units(const char16_t* in, long& i, long stop, long end, uint8_t* out,
+                            long& o) {
+    while (i < stop) {
+        if (!encodeUtf8Unit(in, i, end, out, o))
+            return false;
+    }
+    return true;
+}
+
+// The step loop over a stretch (see the top of the file); false where a unit stops it.
+QNCL_SSE41 bool encodeStretch(const char16_t* in, long& i, long end, uint8_t* out, long& o) {
+    while (end - i >= 16) {
+        const __m128i units = load(in + i);
+        const __m128i ascii =
+            _mm_cmpeq_epi16(_mm_and_si128(units, set16(0xFF80)), _mm_setzero_si128());
+        const __m128i below =
+            _mm_cmpeq_epi16(_mm_and_si128(units, set16(0xF800)), _mm_setzero_si128());
+        const unsigned classBits =
+            static_cast<unsigned>(_mm_movemask_epi8(_mm_packs_epi16(ascii, below)));
+        if (classBits == 0xFFFFu) {
+            const __m128i more = load(in + i + 8);
+            if (_mm_testz_si128(more, set16(0xFF80))) {
+                // A long run: the plain ASCII loop, to its end or the stretch's.
+                narrowAscii(in, i, end, out, o, o + (end - i));
+            } else {
+                _mm_storel_epi64(reinterpret_cast<__m128i*>(out + o),
+                                 _mm_packus_epi16(units, units));
+                i += 8;
+                o += 8;
+            }
+            continue;
+        }
+        if (classBits >= 0xFF00u) {
+            o += encodeTwoByteLanes(units, ascii, classBits & 0xFFu, out + o);
+            i += 8;
+            continue;
+        }
+        long written;
+        const int taken =
+            encodeMixedLanes(in + i, units, ascii, below, classBits, out + o, written);
+        if (taken != 0) {
+            i += taken;
+            o += written;
+        } else if (!encodeUtf8Units(in, i, i + 8, end, out, o)) {
+            return false;
+        }
+    }
+    return encodeUtf8Units(in, i, end, end, out, o);
+}
+
+} // namespace
+
+bool encodeUtf8BlocksUsable() {
+    static const bool usable = [] {
+        __builtin_cpu_init();
+        return __builtin_cpu_supports("ssse3") != 0 && __builtin_cpu_supports("sse4.1") != 0;
+    }();
+    return usable;
+}
+
+void encodeUtf8Blocks(const char16_t* in, long& inPos, long inEnd, uint8_t* out, long& outPos,
+                      long outEnd) {
+    long i = inPos;
+    long o = outPos;
+    for (;;) {
+        const long end = i + std::min(inEnd - i, (outEnd - o) / 3);
+        if (end == i || !encodeStretch(in, i, end, out, o))
+            break;
+    }
+    inPos = i;
+    outPos = o;
+}
+
+} // namespace qn::text::charset::utf
+
+#endif
