@@ -93,14 +93,16 @@ QNCL_SSE41 inline long encodeTwoByteLanes(__m128i units, __m128i ascii, unsigned
     return SHUFFLES.twoByteLength[index];
 }
 
-// Eight units of any mix at from (from[8] is readable too; ascii and below mark the lanes below
-// U+0080 and U+0800, classBits has their bits, ASCII low): stores their bytes at to, sets
-// written to their number and says how many units it took: 8, 9 when a pair ends the block one
-// unit late, or 0 (nothing taken) when a surrogate is not half of a pair inside it.
-QNCL_SSE41 inline int encodeMixedLanes(const char16_t* from, __m128i units, __m128i ascii,
-                                       __m128i below, unsigned classBits, uint8_t* to,
-                                       long& written) {
-    // Each unit's bytes in a 32-bit lane: first holds the first two, second the third.
+// Eight units of any mix (ascii and below mark the lanes below U+0080 and U+0800, classBits has
+// their bits, ASCII low; prev is the units one lane later, the previous step's last unit first;
+// next is the unit after the block): stores their bytes at to, sets written to their number and
+// says true; false, with nothing stored, when a surrogate is not half of a pair. A pair may
+// cross into the next step: carry says that the previous step ended with a high surrogate (its
+// first two bytes written) and the block starts with its low one, and is set for the next step.
+QNCL_SSE41 inline bool encodeMixedLanes(__m128i units, __m128i prev, __m128i ascii, __m128i below,
+                                        unsigned classBits, uint32_t next, unsigned& carry,
+                                        uint8_t* to, long& written) {
+    // Each unit's bytes in a 32-bit lane: first holds the first two, trail the third.
     const __m128i trail = _mm_or_si128(_mm_and_si128(units, set16(0x3F)), set16(0x80));
     const __m128i mid =
         _mm_or_si128(_mm_and_si128(_mm_srli_epi16(units, 6), set16(0x3F)), set16(0x80));
@@ -109,62 +111,51 @@ QNCL_SSE41 inline int encodeMixedLanes(const char16_t* from, __m128i units, __m1
     __m128i first = _mm_blendv_epi8(_mm_or_si128(lead3, _mm_slli_epi16(mid, 8)),
                                     _mm_or_si128(lead2, _mm_slli_epi16(trail, 8)), below);
     first = _mm_blendv_epi8(first, units, ascii);
-    __m128i second = trail;
     const unsigned asciiBits = classBits & 0xFFu;
     const unsigned belowBits = classBits >> 8;
     // A lane's length is 1 + its bit in twoBits + 2 * its bit in threeBits.
     unsigned twoBits = belowBits & ~asciiBits;
     unsigned threeBits = ~belowBits & 0xFFu;
-    int taken = 8;
     const __m128i surrogate = _mm_cmpeq_epi16(_mm_and_si128(units, set16(0xF800)), set16(0xD800));
     const unsigned surrogateBits =
         static_cast<unsigned>(_mm_movemask_epi8(_mm_packs_epi16(surrogate, surrogate))) & 0xFFu;
+    unsigned lastHigh = 0;
     if (surrogateBits != 0) {
         const __m128i high = _mm_cmpeq_epi16(_mm_and_si128(units, set16(0xFC00)), set16(0xD800));
         const unsigned highBits =
             static_cast<unsigned>(_mm_movemask_epi8(_mm_packs_epi16(high, high))) & 0xFFu;
         const unsigned lowBits = surrogateBits & ~highBits;
-        // Every low surrogate right after a high one, and every high one but the last lane's
-        // right before a low one.
-        if ((lowBits & 1u) != 0 || (((lowBits >> 1) ^ highBits) & 0x7Fu) != 0)
-            return 0;
-        if ((highBits & 0x80u) != 0) {
-            if (!isLowSurrogate(from[8]))
-                return 0;
-            taken = 9;
-        }
+        lastHigh = highBits >> 7;
+        // Every low surrogate right after a high one, every high one right before a low one.
+        if (((lowBits ^ ((highBits << 1) | carry)) & 0xFFu) != 0 ||
+            (lastHigh & ~static_cast<unsigned>(isLowSurrogate(next))) != 0)
+            return false;
         // The pair (h, l) is U+10000 + (h & 0x3FF) << 10 + (l & 0x3FF); w = its value >> 10.
-        // A high lane holds 0xF0 | w >> 8 and 0x80 | (w >> 2 & 0x3F), and the lane after it
-        // 0x80 | (h & 3) << 4 | (l >> 6 & 0xF) and 0x80 | (l & 0x3F): lowBytes has those two
-        // for the pair starting in each lane.
-        const __m128i next = load(from + 1);
+        // Its four bytes go two to a lane: the high lane 0xF0 | w >> 8 and 0x80 | (w >> 2 &
+        // 0x3F), the low one 0x80 | (h & 3) << 4 | (l >> 6 & 0xF) and 0x80 | (l & 0x3F).
         const __m128i w = _mm_add_epi16(_mm_and_si128(units, set16(0x3FF)), set16(0x40));
         const __m128i highBytes = _mm_or_si128(
             _mm_or_si128(_mm_srli_epi16(w, 8),
                          _mm_slli_epi16(_mm_and_si128(_mm_srli_epi16(w, 2), set16(0x3F)), 8)),
             set16(0x80F0));
         const __m128i lowBytes = _mm_or_si128(
-            _mm_or_si128(_mm_slli_epi16(_mm_and_si128(units, set16(3)), 4),
-                         _mm_and_si128(_mm_srli_epi16(next, 6), set16(0xF))),
-            _mm_or_si128(_mm_slli_epi16(_mm_and_si128(next, set16(0x3F)), 8), set16(0x8080)));
+            _mm_or_si128(_mm_slli_epi16(_mm_and_si128(prev, set16(3)), 4),
+                         _mm_and_si128(_mm_srli_epi16(units, 6), set16(0xF))),
+            _mm_or_si128(_mm_slli_epi16(_mm_and_si128(units, set16(0x3F)), 8), set16(0x8080)));
         first = _mm_blendv_epi8(first, highBytes, high);
-        first =
-            _mm_blendv_epi8(first, _mm_slli_si128(lowBytes, 2), _mm_andnot_si128(high, surrogate));
-        // The last lane's high surrogate with the low one after the block: all four bytes.
-        second = _mm_blendv_epi8(second, lowBytes, high);
+        first = _mm_blendv_epi8(first, lowBytes, _mm_andnot_si128(high, surrogate));
         twoBits |= surrogateBits;
         threeBits &= ~surrogateBits;
-        if (taken == 9)
-            threeBits |= 0x80u;
     }
+    carry = lastHigh;
     const unsigned index0 = (twoBits & 0xFu) | ((threeBits & 0xFu) << 4);
     const unsigned index1 = (twoBits >> 4) | (threeBits & 0xF0u);
-    store(to, _mm_shuffle_epi8(_mm_unpacklo_epi16(first, second), load(SHUFFLES.mixed[index0])));
+    store(to, _mm_shuffle_epi8(_mm_unpacklo_epi16(first, trail), load(SHUFFLES.mixed[index0])));
     const long length0 = SHUFFLES.mixedLength[index0];
     store(to + length0,
-          _mm_shuffle_epi8(_mm_unpackhi_epi16(first, second), load(SHUFFLES.mixed[index1])));
+          _mm_shuffle_epi8(_mm_unpackhi_epi16(first, trail), load(SHUFFLES.mixed[index1])));
     written = length0 + SHUFFLES.mixedLength[index1];
-    return taken;
+    return true;
 }
 
 // encodeUtf8Unit up to stop (a pair may end one unit past it); false where it stops.
@@ -178,7 +169,11 @@ inline bool encodeUtf8Units(const char16_t* in, long& i, long stop, long end, ui
 }
 
 // The step loop over a stretch (see the top of the file); false where a unit stops it.
-QNCL_SSE41 bool encodeStretch(const char16_t* in, long& i, long end, uint8_t* out, long& o) {
+QNCL_SSE41 inline bool encodeStretch(const char16_t* in, long& i, long end, uint8_t* out, long& o) {
+    // A pair across two steps: the high surrogate's first two bytes are written by the first
+    // (carry set, last holds its units); unit by unit, that pair is taken again from the start.
+    unsigned carry = 0;
+    __m128i last = _mm_setzero_si128();
     while (end - i >= 16) {
         const __m128i units = load(in + i);
         const __m128i ascii =
@@ -187,6 +182,7 @@ QNCL_SSE41 bool encodeStretch(const char16_t* in, long& i, long end, uint8_t* ou
             _mm_cmpeq_epi16(_mm_and_si128(units, set16(0xF800)), _mm_setzero_si128());
         const unsigned classBits =
             static_cast<unsigned>(_mm_movemask_epi8(_mm_packs_epi16(ascii, below)));
+        // With carry set the first lane is a low surrogate: neither of the next two.
         if (classBits == 0xFFFFu) {
             const __m128i more = load(in + i + 8);
             if (_mm_testz_si128(more, set16(0xFF80))) {
@@ -206,16 +202,37 @@ QNCL_SSE41 bool encodeStretch(const char16_t* in, long& i, long end, uint8_t* ou
             continue;
         }
         long written;
-        const int taken =
-            encodeMixedLanes(in + i, units, ascii, below, classBits, out + o, written);
-        if (taken != 0) {
-            i += taken;
+        if (encodeMixedLanes(units, _mm_alignr_epi8(units, last, 14), ascii, below, classBits,
+                             in[i + 8], carry, out + o, written)) {
+            last = units;
+            i += 8;
             o += written;
-        } else if (!encodeUtf8Units(in, i, i + 8, end, out, o)) {
-            return false;
+            continue;
         }
+        i -= carry;
+        o -= 2 * static_cast<long>(carry);
+        carry = 0;
+        if (!encodeUtf8Units(in, i, i + 8, end, out, o))
+            return false;
     }
+    i -= carry;
+    o -= 2 * static_cast<long>(carry);
     return encodeUtf8Units(in, i, end, end, out, o);
+}
+
+// The stretches, with the positions in locals: stores through the output must not force them to
+// memory.
+QNCL_SSE41 void encodeBlocks(const char16_t* in, long& inPos, long inEnd, uint8_t* out,
+                             long& outPos, long outEnd) {
+    long i = inPos;
+    long o = outPos;
+    for (;;) {
+        const long end = i + std::min(inEnd - i, (outEnd - o) / 3);
+        if (end == i || !encodeStretch(in, i, end, out, o))
+            break;
+    }
+    inPos = i;
+    outPos = o;
 }
 
 } // namespace
@@ -230,15 +247,7 @@ bool encodeUtf8BlocksUsable() {
 
 void encodeUtf8Blocks(const char16_t* in, long& inPos, long inEnd, uint8_t* out, long& outPos,
                       long outEnd) {
-    long i = inPos;
-    long o = outPos;
-    for (;;) {
-        const long end = i + std::min(inEnd - i, (outEnd - o) / 3);
-        if (end == i || !encodeStretch(in, i, end, out, o))
-            break;
-    }
-    inPos = i;
-    outPos = o;
+    encodeBlocks(in, inPos, inEnd, out, outPos, outEnd);
 }
 
 } // namespace qn::text::charset::utf
