@@ -8,17 +8,19 @@
 // - eight units all below U+0800 (Latin-1 text, Cyrillic, Greek, with their ASCII): each unit
 //   becomes one 16-bit lane holding its one or two bytes, and one shuffle, picked by which
 //   lanes need two bytes, squeezes out the unused bytes;
-// - eight units of any other mix: each unit becomes a 32-bit lane holding its one to three bytes
-//   (a high surrogate the first two bytes of its pair's four, the low one after it the last
-//   two), and one shuffle per half, picked by each lane's length, squeezes them together. A
-//   high surrogate in the last lane whose low one follows the block takes that low one too
-//   (all four bytes in its lane) and the step nine units.
-// A block holding a surrogate that is not half of a pair inside it (a lone low one, a high one
-// not followed by a low one, a low one in the first lane) goes unit by unit through the same
-// scalar step as encodeUtf8Common, which stops before such a surrogate for the simple loop.
-// Shorter windows near the end of a stretch go unit by unit too. A step stores whole sixteen
-// byte vectors: the bytes past the units it took are scratch the next step (or the caller's
-// next write) overwrites; nothing is stored at or past outEnd.
+// - eight units of any other mix without surrogates (CJK with its ASCII punctuation): each unit
+//   becomes a 32-bit lane holding its one to three bytes, and one shuffle per half, picked by
+//   each lane's length, squeezes them together;
+// - eight units with surrogates, each half of a pair: as above, a high surrogate's lane holding
+//   the first two of its pair's four bytes and the low one's the last two. A pair may straddle
+//   two steps (the high surrogate last, its low one first in the next block): the next step
+//   takes the high one from the previous block.
+// A block holding a surrogate that is not half of a pair (a lone low one, a high one not
+// followed by a low one) goes unit by unit through the same scalar step as encodeUtf8Common,
+// which stops before such a surrogate for the simple loop; a pair straddling the step before
+// goes again whole then. Shorter windows near the end of a stretch go unit by unit too. A step
+// stores whole sixteen byte vectors: the bytes past the units it took are scratch the next step
+// (or the caller's next write) overwrites; nothing is stored at or past outEnd.
 #include "UtfKernels.h"
 
 #ifdef QNCL_UTF_ENCODE_BLOCKS
@@ -34,7 +36,8 @@ namespace {
 
 // The shuffles that squeeze the lanes of a step together, with the number of bytes each keeps.
 // twoByte[m]: eight 16-bit lanes, lane k keeps its second byte when bit k of m is set.
-// mixed[m]: four 32-bit lanes, lane k keeps 1 + bit k + 2 * bit (k + 4) of m bytes.
+// mixed[m]: four 32-bit lanes, lane k keeps 1 + bit k + 2 * bit (k + 4) of m bytes (both bits
+// set, four bytes, is not used).
 struct EncodeShuffles {
     alignas(16) uint8_t twoByte[256][16];
     alignas(16) uint8_t mixed[256][16];
@@ -93,68 +96,83 @@ QNCL_SSE41 inline long encodeTwoByteLanes(__m128i units, __m128i ascii, unsigned
     return SHUFFLES.twoByteLength[index];
 }
 
-// Eight units of any mix (ascii and below mark the lanes below U+0080 and U+0800, classBits has
-// their bits, ASCII low; prev is the units one lane later, the previous step's last unit first;
-// next is the unit after the block): stores their bytes at to, sets written to their number and
-// says true; false, with nothing stored, when a surrogate is not half of a pair. A pair may
-// cross into the next step: carry says that the previous step ended with a high surrogate (its
-// first two bytes written) and the block starts with its low one, and is set for the next step.
-QNCL_SSE41 inline bool encodeMixedLanes(__m128i units, __m128i prev, __m128i ascii, __m128i below,
-                                        unsigned classBits, uint32_t next, unsigned& carry,
-                                        uint8_t* to, long& written) {
-    // Each unit's bytes in a 32-bit lane: first holds the first two, trail the third.
-    const __m128i trail = _mm_or_si128(_mm_and_si128(units, set16(0x3F)), set16(0x80));
+// The first two bytes (first) and the third (trail) of eight units, each as if it took three
+// bytes if it takes three or more, two if two, one if one (ascii and below mark the lanes below
+// U+0080 and U+0800).
+QNCL_SSE41 inline void threeByteLanes(__m128i units, __m128i ascii, __m128i below, __m128i& first,
+                                      __m128i& trail) {
+    trail = _mm_or_si128(_mm_and_si128(units, set16(0x3F)), set16(0x80));
     const __m128i mid =
         _mm_or_si128(_mm_and_si128(_mm_srli_epi16(units, 6), set16(0x3F)), set16(0x80));
     const __m128i lead2 = _mm_or_si128(_mm_srli_epi16(units, 6), set16(0xC0));
     const __m128i lead3 = _mm_or_si128(_mm_srli_epi16(units, 12), set16(0xE0));
-    __m128i first = _mm_blendv_epi8(_mm_or_si128(lead3, _mm_slli_epi16(mid, 8)),
-                                    _mm_or_si128(lead2, _mm_slli_epi16(trail, 8)), below);
+    first = _mm_blendv_epi8(_mm_or_si128(lead3, _mm_slli_epi16(mid, 8)),
+                            _mm_or_si128(lead2, _mm_slli_epi16(trail, 8)), below);
     first = _mm_blendv_epi8(first, units, ascii);
-    const unsigned asciiBits = classBits & 0xFFu;
-    const unsigned belowBits = classBits >> 8;
-    // A lane's length is 1 + its bit in twoBits + 2 * its bit in threeBits.
-    unsigned twoBits = belowBits & ~asciiBits;
-    unsigned threeBits = ~belowBits & 0xFFu;
-    const __m128i surrogate = _mm_cmpeq_epi16(_mm_and_si128(units, set16(0xF800)), set16(0xD800));
-    const unsigned surrogateBits =
-        static_cast<unsigned>(_mm_movemask_epi8(_mm_packs_epi16(surrogate, surrogate))) & 0xFFu;
-    unsigned lastHigh = 0;
-    if (surrogateBits != 0) {
-        const __m128i high = _mm_cmpeq_epi16(_mm_and_si128(units, set16(0xFC00)), set16(0xD800));
-        const unsigned highBits =
-            static_cast<unsigned>(_mm_movemask_epi8(_mm_packs_epi16(high, high))) & 0xFFu;
-        const unsigned lowBits = surrogateBits & ~highBits;
-        lastHigh = highBits >> 7;
-        // Every low surrogate right after a high one, every high one right before a low one.
-        if (((lowBits ^ ((highBits << 1) | carry)) & 0xFFu) != 0 ||
-            (lastHigh & ~static_cast<unsigned>(isLowSurrogate(next))) != 0)
-            return false;
-        // The pair (h, l) is U+10000 + (h & 0x3FF) << 10 + (l & 0x3FF); w = its value >> 10.
-        // Its four bytes go two to a lane: the high lane 0xF0 | w >> 8 and 0x80 | (w >> 2 &
-        // 0x3F), the low one 0x80 | (h & 3) << 4 | (l >> 6 & 0xF) and 0x80 | (l & 0x3F).
-        const __m128i w = _mm_add_epi16(_mm_and_si128(units, set16(0x3FF)), set16(0x40));
-        const __m128i highBytes = _mm_or_si128(
-            _mm_or_si128(_mm_srli_epi16(w, 8),
-                         _mm_slli_epi16(_mm_and_si128(_mm_srli_epi16(w, 2), set16(0x3F)), 8)),
-            set16(0x80F0));
-        const __m128i lowBytes = _mm_or_si128(
-            _mm_or_si128(_mm_slli_epi16(_mm_and_si128(prev, set16(3)), 4),
-                         _mm_and_si128(_mm_srli_epi16(units, 6), set16(0xF))),
-            _mm_or_si128(_mm_slli_epi16(_mm_and_si128(units, set16(0x3F)), 8), set16(0x8080)));
-        first = _mm_blendv_epi8(first, highBytes, high);
-        first = _mm_blendv_epi8(first, lowBytes, _mm_andnot_si128(high, surrogate));
-        twoBits |= surrogateBits;
-        threeBits &= ~surrogateBits;
-    }
-    carry = lastHigh;
-    const unsigned index0 = (twoBits & 0xFu) | ((threeBits & 0xFu) << 4);
-    const unsigned index1 = (twoBits >> 4) | (threeBits & 0xF0u);
+}
+
+// Stores the bytes of eight lanes at to and says how many there are: lane k has 1 + two[k] +
+// 2 * three[k] bytes (all ones or zero in each mask), the first two in first, the third in trail.
+QNCL_SSE41 inline long storeLanes(__m128i first, __m128i trail, __m128i two, __m128i three,
+                                  uint8_t* to) {
+    const unsigned lengths = static_cast<unsigned>(_mm_movemask_epi8(_mm_packs_epi16(two, three)));
+    const unsigned index0 = (lengths & 0xFu) | ((lengths >> 4) & 0xF0u);
+    const unsigned index1 = ((lengths >> 4) & 0xFu) | ((lengths >> 8) & 0xF0u);
     store(to, _mm_shuffle_epi8(_mm_unpacklo_epi16(first, trail), load(SHUFFLES.mixed[index0])));
     const long length0 = SHUFFLES.mixedLength[index0];
     store(to + length0,
           _mm_shuffle_epi8(_mm_unpackhi_epi16(first, trail), load(SHUFFLES.mixed[index1])));
-    written = length0 + SHUFFLES.mixedLength[index1];
+    return length0 + SHUFFLES.mixedLength[index1];
+}
+
+// Eight units with no surrogate among them: stores their bytes at to, says how many there are.
+QNCL_SSE41 inline long encodeThreeByteLanes(__m128i units, __m128i ascii, __m128i below,
+                                            uint8_t* to) {
+    __m128i first, trail;
+    threeByteLanes(units, ascii, below, first, trail);
+    return storeLanes(first, trail, _mm_andnot_si128(ascii, below),
+                      _mm_xor_si128(below, _mm_set1_epi32(-1)), to);
+}
+
+// Eight units at from with surrogates among them (surrogate marks them; from[8] is readable):
+// stores their bytes at to, sets written to their number and says true when each surrogate is
+// half of a pair; else false, with nothing stored. last holds the previous step's units and
+// lastHigh its high surrogates (the last lane's is the one of a pair straddling the steps); both
+// are set for the next step.
+QNCL_SSE41 inline bool encodeSurrogateLanes(const char16_t* from, __m128i units, __m128i ascii,
+                                            __m128i below, __m128i surrogate, __m128i& last,
+                                            __m128i& lastHigh, uint8_t* to, long& written) {
+    const __m128i high = _mm_cmpeq_epi16(_mm_and_si128(units, set16(0xFC00)), set16(0xD800));
+    const __m128i low = _mm_andnot_si128(high, surrogate);
+    // The unit after each lane is a low surrogate exactly where the lane is a high one, and
+    // the unit before each lane a high one exactly where the lane is a low one.
+    const __m128i afterLow =
+        _mm_cmpeq_epi16(_mm_and_si128(load(from + 1), set16(0xFC00)), set16(0xDC00));
+    const __m128i mismatch = _mm_or_si128(_mm_xor_si128(high, afterLow),
+                                          _mm_xor_si128(low, _mm_alignr_epi8(high, lastHigh, 14)));
+    if (!_mm_testz_si128(mismatch, mismatch))
+        return false;
+    __m128i first, trail;
+    threeByteLanes(units, ascii, below, first, trail);
+    // The pair (h, l) is U+10000 + (h & 0x3FF) << 10 + (l & 0x3FF), and h + 0x40 has its
+    // value >> 10 in its low eleven bits. Its four bytes go two to a lane: the high lane
+    // 0xF0 | (h + 0x40) >> 8 & 7 and 0x80 | ((h + 0x40) >> 2 & 0x3F); the low one
+    // 0x80 | (h & 3) << 4 | (l >> 6 & 0xF) and 0x80 | (l & 0x3F), its trail byte.
+    const __m128i plus = _mm_add_epi16(units, set16(0x40));
+    const __m128i highBytes =
+        _mm_or_si128(_mm_or_si128(_mm_and_si128(_mm_srli_epi16(plus, 8), set16(7)),
+                                  _mm_and_si128(_mm_slli_epi16(plus, 6), set16(0x3F00))),
+                     set16(0x80F0));
+    const __m128i prev = _mm_alignr_epi8(units, last, 14);
+    const __m128i lowBytes =
+        _mm_or_si128(_mm_or_si128(_mm_slli_epi16(_mm_and_si128(prev, set16(3)), 4),
+                                  _mm_and_si128(_mm_srli_epi16(units, 6), set16(0xF))),
+                     _mm_or_si128(_mm_slli_epi16(trail, 8), set16(0x80)));
+    first = _mm_blendv_epi8(first, _mm_blendv_epi8(lowBytes, highBytes, high), surrogate);
+    written = storeLanes(first, trail, _mm_or_si128(_mm_andnot_si128(ascii, below), surrogate),
+                         _mm_xor_si128(_mm_or_si128(below, surrogate), _mm_set1_epi32(-1)), to);
+    last = units;
+    lastHigh = high;
     return true;
 }
 
@@ -168,12 +186,17 @@ inline bool encodeUtf8Units(const char16_t* in, long& i, long stop, long end, ui
     return true;
 }
 
+// 1 when the last lane of lastHigh is set (a pair straddles two steps), else 0.
+QNCL_SSE41 inline long straddlingPair(__m128i lastHigh) {
+    return static_cast<long>(static_cast<unsigned>(_mm_movemask_epi8(lastHigh)) >> 15);
+}
+
 // The step loop over a stretch (see the top of the file); false where a unit stops it.
 QNCL_SSE41 inline bool encodeStretch(const char16_t* in, long& i, long end, uint8_t* out, long& o) {
-    // A pair across two steps: the high surrogate's first two bytes are written by the first
-    // (carry set, last holds its units); unit by unit, that pair is taken again from the start.
-    unsigned carry = 0;
+    // A pair straddling two steps has its high surrogate's first two bytes written by the first
+    // (the last lane of lastHigh set); unit by unit, it is taken again from there.
     __m128i last = _mm_setzero_si128();
+    __m128i lastHigh = _mm_setzero_si128();
     while (end - i >= 16) {
         const __m128i units = load(in + i);
         const __m128i ascii =
@@ -182,7 +205,7 @@ QNCL_SSE41 inline bool encodeStretch(const char16_t* in, long& i, long end, uint
             _mm_cmpeq_epi16(_mm_and_si128(units, set16(0xF800)), _mm_setzero_si128());
         const unsigned classBits =
             static_cast<unsigned>(_mm_movemask_epi8(_mm_packs_epi16(ascii, below)));
-        // With carry set the first lane is a low surrogate: neither of the next two.
+        // After a straddling pair the first lane is a low surrogate: none of the next three.
         if (classBits == 0xFFFFu) {
             const __m128i more = load(in + i + 8);
             if (_mm_testz_si128(more, set16(0xFF80))) {
@@ -201,22 +224,30 @@ QNCL_SSE41 inline bool encodeStretch(const char16_t* in, long& i, long end, uint
             i += 8;
             continue;
         }
+        const __m128i surrogate =
+            _mm_cmpeq_epi16(_mm_and_si128(units, set16(0xF800)), set16(0xD800));
+        if (_mm_testz_si128(surrogate, surrogate)) {
+            o += encodeThreeByteLanes(units, ascii, below, out + o);
+            i += 8;
+            continue;
+        }
         long written;
-        if (encodeMixedLanes(units, _mm_alignr_epi8(units, last, 14), ascii, below, classBits,
-                             in[i + 8], carry, out + o, written)) {
-            last = units;
+        if (encodeSurrogateLanes(in + i, units, ascii, below, surrogate, last, lastHigh, out + o,
+                                 written)) {
             i += 8;
             o += written;
             continue;
         }
-        i -= carry;
-        o -= 2 * static_cast<long>(carry);
-        carry = 0;
+        const long carried = straddlingPair(lastHigh);
+        i -= carried;
+        o -= 2 * carried;
+        lastHigh = _mm_setzero_si128();
         if (!encodeUtf8Units(in, i, i + 8, end, out, o))
             return false;
     }
-    i -= carry;
-    o -= 2 * static_cast<long>(carry);
+    const long carried = straddlingPair(lastHigh);
+    i -= carried;
+    o -= 2 * carried;
     return encodeUtf8Units(in, i, end, end, out, o);
 }
 
