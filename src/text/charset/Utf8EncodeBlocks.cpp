@@ -5,9 +5,10 @@
 // encodeUtf8Common's: min(units left, free bytes / 3) units, so every store below lands inside
 // the output, and a step reads sixteen units at most):
 // - sixteen ASCII units, packed to sixteen bytes; eight when only the first half is ASCII;
-// - eight units all below U+0800 (Latin-1 text, Cyrillic, Greek, with their ASCII): each unit
-//   becomes one 16-bit lane holding its one or two bytes, and one shuffle, picked by which
-//   lanes need two bytes, squeezes out the unused bytes;
+// - eight units all below U+0800 (Latin-1 text, Cyrillic, Greek, with their ASCII), then
+//   sixteen at a time while the run lasts: each unit becomes one 16-bit lane holding its one or
+//   two bytes, and one shuffle per eight, picked by which lanes need two bytes, squeezes out the
+//   unused bytes;
 // - eight units of any other mix without surrogates (CJK with its ASCII punctuation): each unit
 //   becomes a 32-bit lane holding its one to three bytes, and one shuffle per half, picked by
 //   each lane's length, squeezes them together;
@@ -222,6 +223,22 @@ QNCL_SSE41 inline bool encodeStretch(const char16_t* in, long& i, long end, uint
         if (classBits >= 0xFF00u) {
             o += encodeTwoByteLanes(units, ascii, classBits & 0xFFu, out + o);
             i += 8;
+            // Runs below U+0800 go on for sixteen units at a time while they last.
+            while (end - i >= 16) {
+                const __m128i lo = load(in + i);
+                const __m128i hi = load(in + i + 8);
+                if (!_mm_testz_si128(_mm_or_si128(lo, hi), set16(0xF800)))
+                    break;
+                const __m128i asciiLo =
+                    _mm_cmpeq_epi16(_mm_and_si128(lo, set16(0xFF80)), _mm_setzero_si128());
+                const __m128i asciiHi =
+                    _mm_cmpeq_epi16(_mm_and_si128(hi, set16(0xFF80)), _mm_setzero_si128());
+                const unsigned bits =
+                    static_cast<unsigned>(_mm_movemask_epi8(_mm_packs_epi16(asciiLo, asciiHi)));
+                o += encodeTwoByteLanes(lo, asciiLo, bits & 0xFFu, out + o);
+                o += encodeTwoByteLanes(hi, asciiHi, bits >> 8, out + o);
+                i += 16;
+            }
             continue;
         }
         const __m128i surrogate =
