@@ -3,8 +3,9 @@
 //
 // What a step takes, from a window of at least sixteen units of the stretch (the stretch is
 // encodeUtf8Common's: min(units left, free bytes / 3) units, so every store below lands inside
-// the output, and a step reads sixteen units at most):
-// - sixteen ASCII units, packed to sixteen bytes; eight when only the first half is ASCII;
+// the output, and a step reads no unit past the stretch):
+// - an ASCII run of sixteen units or more, to its end through narrowAscii; eight ASCII units
+//   before other ones, packed to eight bytes;
 // - eight units all below U+0800 (Latin-1 text, Cyrillic, Greek, with their ASCII), then
 //   sixteen at a time while the run lasts: each unit becomes one 16-bit lane holding its one or
 //   two bytes, and one shuffle per eight, picked by which lanes need two bytes, squeezes out the
