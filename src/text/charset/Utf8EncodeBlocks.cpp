@@ -1,5 +1,6 @@
 // UTF-16 to UTF-8 eight units a step with SSSE3 and SSE4.1, for any mix of one-, two- and
-// three-byte units and surrogate pairs (x86-64 only; chosen at run time, once).
+// three-byte units and surrogate pairs, and sixteen with AVX2 where not all are below U+0800
+// (x86-64 only, AVX2 not on Windows; chosen at run time, once).
 //
 // What a step takes, from a window of at least sixteen units of the stretch (the stretch is
 // encodeUtf8Common's: min(units left, free bytes / 3) units, so every store below lands inside
@@ -17,6 +18,9 @@
 //   the first two of its pair's four bytes and the low one's the last two. A pair may straddle
 //   two steps (the high surrogate last, its low one first in the next block): the next step
 //   takes the high one from the previous block.
+// With AVX2, blocks of sixteen units not all below U+0800 go as the last two kinds in one step
+// (the lanes are the same; a high surrogate last in the block waits for the next step, so no
+// pair straddles two), as long as 32 units of the stretch are left.
 // A block holding a surrogate that is not half of a pair (a lone low one, a high one not
 // followed by a low one) goes unit by unit through the same scalar step as encodeUtf8Common,
 // which stops before such a surrogate for the simple loop; a pair straddling the step before
@@ -31,6 +35,14 @@
 #include <tmmintrin.h>
 
 #define QNCL_SSE41 __attribute__((target("ssse3,sse4.1")))
+
+// Sixteen-unit steps with AVX2, on Linux only: GCC on Windows does not align the stack for
+// spilled 32-byte vectors.
+#ifndef _WIN32
+#include <immintrin.h>
+#define QNCL_UTF_ENCODE_WIDE 1
+#define QNCL_AVX2 __attribute__((target("avx2")))
+#endif
 
 namespace qn::text::charset::utf {
 
@@ -178,6 +190,106 @@ QNCL_SSE41 inline bool encodeSurrogateLanes(const char16_t* from, __m128i units,
     return true;
 }
 
+// The positions a run of steps ends at.
+struct Positions {
+    long i;
+    long o;
+};
+
+#ifdef QNCL_UTF_ENCODE_WIDE
+QNCL_AVX2 inline __m256i set(int value) {
+    return _mm256_set1_epi16(static_cast<short>(value));
+}
+
+// Sixteen units a step, any mix with at least one unit at or above U+0800, from in[i] into
+// out[o] while at least 32 units of the stretch are left: the same lanes as the eight-unit steps
+// (a high surrogate last in the block is left for the next step, so that no pair straddles two).
+// Stops before a block all below U+0800 or with a surrogate that is not half of a pair, for the
+// eight-unit steps. Positions come and go by value: a reference would put them in memory.
+QNCL_AVX2 __attribute__((noinline)) Positions encodeWideRun(const char16_t* in, long i, long end,
+                                                            uint8_t* out, long o) {
+    const __m256i zero = _mm256_setzero_si256();
+    while (end - i >= 32) {
+        const __m256i units = _mm256_loadu_si256(reinterpret_cast<const __m256i*>(in + i));
+        const __m256i below = _mm256_cmpeq_epi16(_mm256_and_si256(units, set(0xF800)), zero);
+        if (_mm256_movemask_epi8(below) == -1)
+            break;
+        const __m256i ascii = _mm256_cmpeq_epi16(_mm256_and_si256(units, set(0xFF80)), zero);
+        const __m256i surrogate =
+            _mm256_cmpeq_epi16(_mm256_and_si256(units, set(0xF800)), set(0xD800));
+        const __m256i trail = _mm256_or_si256(_mm256_and_si256(units, set(0x3F)), set(0x80));
+        const __m256i mid =
+            _mm256_or_si256(_mm256_and_si256(_mm256_srli_epi16(units, 6), set(0x3F)), set(0x80));
+        const __m256i lead2 = _mm256_or_si256(_mm256_srli_epi16(units, 6), set(0xC0));
+        const __m256i lead3 = _mm256_or_si256(_mm256_srli_epi16(units, 12), set(0xE0));
+        __m256i first =
+            _mm256_blendv_epi8(_mm256_or_si256(lead3, _mm256_slli_epi16(mid, 8)),
+                               _mm256_or_si256(lead2, _mm256_slli_epi16(trail, 8)), below);
+        first = _mm256_blendv_epi8(first, units, ascii);
+        __m256i two = _mm256_andnot_si256(ascii, below);
+        __m256i three = _mm256_xor_si256(below, _mm256_set1_epi32(-1));
+        long straddling = 0;
+        if (!_mm256_testz_si256(surrogate, surrogate)) {
+            const __m256i high =
+                _mm256_cmpeq_epi16(_mm256_and_si256(units, set(0xFC00)), set(0xD800));
+            const __m256i low = _mm256_andnot_si256(high, surrogate);
+            // Each lane's value moved one lane up across the halves, nothing into the first.
+            const __m256i highBefore =
+                _mm256_alignr_epi8(high, _mm256_permute2x128_si256(high, high, 0x08), 14);
+            // Every low surrogate right after a high one (then every high one but the last is
+            // right before a low one; the last is left for the next step).
+            const __m256i mismatch = _mm256_xor_si256(low, highBefore);
+            if (!_mm256_testz_si256(mismatch, mismatch))
+                break;
+            const __m256i plus = _mm256_add_epi16(units, set(0x40));
+            const __m256i highBytes = _mm256_or_si256(
+                _mm256_or_si256(_mm256_and_si256(_mm256_srli_epi16(plus, 8), set(7)),
+                                _mm256_and_si256(_mm256_slli_epi16(plus, 6), set(0x3F00))),
+                set(0x80F0));
+            const __m256i prev =
+                _mm256_alignr_epi8(units, _mm256_permute2x128_si256(units, units, 0x08), 14);
+            const __m256i lowBytes = _mm256_or_si256(
+                _mm256_or_si256(_mm256_slli_epi16(_mm256_and_si256(prev, set(3)), 4),
+                                _mm256_and_si256(_mm256_srli_epi16(units, 6), set(0xF))),
+                _mm256_or_si256(_mm256_slli_epi16(trail, 8), set(0x80)));
+            first =
+                _mm256_blendv_epi8(first, _mm256_blendv_epi8(lowBytes, highBytes, high), surrogate);
+            two = _mm256_or_si256(two, surrogate);
+            three = _mm256_andnot_si256(surrogate, three);
+            straddling = static_cast<long>(static_cast<uint32_t>(_mm256_movemask_epi8(high)) >> 31);
+        }
+        // Per half of the register: eight bits of two, then eight of three.
+        const uint32_t lengths =
+            static_cast<uint32_t>(_mm256_movemask_epi8(_mm256_packs_epi16(two, three)));
+        unsigned index[4];
+        for (int half = 0; half < 2; ++half) {
+            const uint32_t bits = lengths >> (16 * half);
+            index[2 * half] = (bits & 0xFu) | ((bits >> 4) & 0xF0u);
+            index[2 * half + 1] = ((bits >> 4) & 0xFu) | ((bits >> 8) & 0xF0u);
+        }
+        // unpacklo holds units 0-3 and 8-11, unpackhi 4-7 and 12-15.
+        const __m256i lowQuads = _mm256_shuffle_epi8(
+            _mm256_unpacklo_epi16(first, trail),
+            _mm256_inserti128_si256(_mm256_castsi128_si256(load(SHUFFLES.mixed[index[0]])),
+                                    load(SHUFFLES.mixed[index[2]]), 1));
+        const __m256i highQuads = _mm256_shuffle_epi8(
+            _mm256_unpackhi_epi16(first, trail),
+            _mm256_inserti128_si256(_mm256_castsi128_si256(load(SHUFFLES.mixed[index[1]])),
+                                    load(SHUFFLES.mixed[index[3]]), 1));
+        store(out + o, _mm256_castsi256_si128(lowQuads));
+        o += SHUFFLES.mixedLength[index[0]];
+        store(out + o, _mm256_castsi256_si128(highQuads));
+        o += SHUFFLES.mixedLength[index[1]];
+        store(out + o, _mm256_extracti128_si256(lowQuads, 1));
+        o += SHUFFLES.mixedLength[index[2]];
+        store(out + o, _mm256_extracti128_si256(highQuads, 1));
+        o += SHUFFLES.mixedLength[index[3]] - 2 * straddling;
+        i += 16 - straddling;
+    }
+    return {i, o};
+}
+#endif
+
 // encodeUtf8Unit up to stop (a pair may end one unit past it); false where it stops.
 inline bool encodeUtf8Units(const char16_t* in, long& i, long stop, long end, uint8_t* out,
                             long& o) {
@@ -194,7 +306,8 @@ QNCL_SSE41 inline long straddlingPair(__m128i lastHigh) {
 }
 
 // The step loop over a stretch (see the top of the file); false where a unit stops it.
-QNCL_SSE41 inline bool encodeStretch(const char16_t* in, long& i, long end, uint8_t* out, long& o) {
+QNCL_SSE41 inline bool encodeStretch(const char16_t* in, long& i, long end, uint8_t* out, long& o,
+                                     bool wide) {
     // A pair straddling two steps has its high surrogate's first two bytes written by the first
     // (the last lane of lastHigh set); unit by unit, it is taken again from there.
     __m128i last = _mm_setzero_si128();
@@ -242,6 +355,20 @@ QNCL_SSE41 inline bool encodeStretch(const char16_t* in, long& i, long end, uint
             }
             continue;
         }
+#ifdef QNCL_UTF_ENCODE_WIDE
+        if (wide && end - i >= 32) {
+            const Positions reached = encodeWideRun(in, i, end, out, o);
+            if (reached.i != i) {
+                // The wide steps leave no pair straddling.
+                i = reached.i;
+                o = reached.o;
+                lastHigh = _mm_setzero_si128();
+                continue;
+            }
+        }
+#else
+        (void)wide;
+#endif
         const __m128i surrogate =
             _mm_cmpeq_epi16(_mm_and_si128(units, set16(0xF800)), set16(0xD800));
         if (_mm_testz_si128(surrogate, surrogate)) {
@@ -272,12 +399,12 @@ QNCL_SSE41 inline bool encodeStretch(const char16_t* in, long& i, long end, uint
 // The stretches, with the positions in locals: stores through the output must not force them to
 // memory.
 QNCL_SSE41 void encodeBlocks(const char16_t* in, long& inPos, long inEnd, uint8_t* out,
-                             long& outPos, long outEnd) {
+                             long& outPos, long outEnd, bool wide) {
     long i = inPos;
     long o = outPos;
     for (;;) {
         const long end = i + std::min(inEnd - i, (outEnd - o) / 3);
-        if (end == i || !encodeStretch(in, i, end, out, o))
+        if (end == i || !encodeStretch(in, i, end, out, o, wide))
             break;
     }
     inPos = i;
@@ -286,17 +413,23 @@ QNCL_SSE41 void encodeBlocks(const char16_t* in, long& inPos, long inEnd, uint8_
 
 } // namespace
 
-bool encodeUtf8BlocksUsable() {
-    static const bool usable = [] {
+int encodeUtf8BlocksLevel() {
+    static const int level = [] {
         __builtin_cpu_init();
-        return __builtin_cpu_supports("ssse3") != 0 && __builtin_cpu_supports("sse4.1") != 0;
+        if (__builtin_cpu_supports("ssse3") == 0 || __builtin_cpu_supports("sse4.1") == 0)
+            return 0;
+#ifdef QNCL_UTF_ENCODE_WIDE
+        if (__builtin_cpu_supports("avx2") != 0)
+            return 2;
+#endif
+        return 1;
     }();
-    return usable;
+    return level;
 }
 
 void encodeUtf8Blocks(const char16_t* in, long& inPos, long inEnd, uint8_t* out, long& outPos,
-                      long outEnd) {
-    encodeBlocks(in, inPos, inEnd, out, outPos, outEnd);
+                      long outEnd, int level) {
+    encodeBlocks(in, inPos, inEnd, out, outPos, outEnd, level >= 2);
 }
 
 } // namespace qn::text::charset::utf

@@ -559,24 +559,27 @@ inline void encodeUtf8Common(const char16_t* in, long& inPos, long inEnd, uint8_
 #if defined(QNCL_UTF_SSE2) && defined(__x86_64__)
 #define QNCL_UTF_ENCODE_BLOCKS 1
 // Utf8EncodeBlocks.cpp: the same contract as encodeUtf8Common, eight units a step in SSSE3 and
-// SSE4.1 whatever their mix, for processors that have them (encodeUtf8BlocksUsable says, once).
-bool encodeUtf8BlocksUsable();
+// SSE4.1 whatever their mix (level 1), and sixteen in AVX2 where the text is not all below
+// U+0800 (level 2, Linux only). encodeUtf8BlocksLevel says, once, what the processor allows (0:
+// neither); encodeUtf8Blocks takes a level it allows.
+int encodeUtf8BlocksLevel();
 void encodeUtf8Blocks(const char16_t* in, long& inPos, long inEnd, uint8_t* out, long& outPos,
-                      long outEnd);
+                      long outEnd, int level);
 #endif
 
 // UTF-16 to UTF-8 (the rules are listed in CTBUTF8.h); pending is the encoder's pending high
-// surrogate. Blocks = false keeps the fast form to encodeUtf8Common even where the SSE4.1 blocks
-// could run (the fuzzers hold both to the simple form).
-template <bool Fast, bool Blocks = Fast>
+// surrogate. Blocks caps the level of the blocks the fast form may use (0: encodeUtf8Common only;
+// the fuzzers hold every level to the simple form).
+template <bool Fast, int Blocks = 2>
 void encodeUtf8(const char16_t* in, long& i, long inEnd, uint8_t* out, long& o, long outEnd,
                 char16_t& pending) {
     while (i < inEnd) {
         if constexpr (Fast) {
             if (pending == 0) {
 #ifdef QNCL_UTF_ENCODE_BLOCKS
-                if (Blocks && encodeUtf8BlocksUsable())
-                    encodeUtf8Blocks(in, i, inEnd, out, o, outEnd);
+                const int level = std::min(Blocks, encodeUtf8BlocksLevel());
+                if (level > 0)
+                    encodeUtf8Blocks(in, i, inEnd, out, o, outEnd, level);
                 else
 #endif
                     encodeUtf8Common(in, i, inEnd, out, o, outEnd);
