@@ -555,7 +555,7 @@ inline void encodeUtf8Common(const char16_t* in, long& inPos, long inEnd, uint8_
     outPos = o;
 }
 
-// On x86-64 the encoder also has SSE4.1 blocks, compiled apart and chosen at run time.
+// On x86-64 the encoder also has SSE4.1 and AVX2 blocks, compiled apart and chosen at run time.
 #if defined(QNCL_UTF_SSE2) && defined(__x86_64__)
 #define QNCL_UTF_ENCODE_BLOCKS 1
 // Utf8EncodeBlocks.cpp: the same contract as encodeUtf8Common, eight units a step in SSSE3 and
