@@ -1,6 +1,6 @@
 // UTF-16 to UTF-8 eight units a step with SSSE3 and SSE4.1, for any mix of one-, two- and
-// three-byte units and surrogate pairs, and sixteen with AVX2 where not all are below U+0800
-// (x86-64 only, AVX2 not on Windows; chosen at run time, once).
+// three-byte units and surrogate pairs, and sixteen with AVX2 (x86-64 only, AVX2 not on
+// Windows; chosen at run time, once).
 //
 // What a step takes, from a window of at least sixteen units of the stretch (the stretch is
 // encodeUtf8Common's: min(units left, free bytes / 3) units, so every store below lands inside
@@ -18,9 +18,9 @@
 //   the first two of its pair's four bytes and the low one's the last two. A pair may straddle
 //   two steps (the high surrogate last, its low one first in the next block): the next step
 //   takes the high one from the previous block.
-// With AVX2, blocks of sixteen units not all below U+0800 go as the last two kinds in one step
-// (the lanes are the same; a high surrogate last in the block waits for the next step, so no
-// pair straddles two), as long as 32 units of the stretch are left.
+// With AVX2, blocks of sixteen units not all ASCII go as the last three kinds in one step (the
+// lanes are the same; a high surrogate last in the block waits for the next step, so no pair
+// straddles two), as long as 32 units of the stretch are left.
 // A block holding a surrogate that is not half of a pair (a lone low one, a high one not
 // followed by a low one) goes unit by unit through the same scalar step as encodeUtf8Common,
 // which stops before such a surrogate for the simple loop; a pair straddling the step before
@@ -201,20 +201,42 @@ QNCL_AVX2 inline __m256i set(int value) {
     return _mm256_set1_epi16(static_cast<short>(value));
 }
 
-// Sixteen units a step, any mix with at least one unit at or above U+0800, from in[i] into
-// out[o] while at least 32 units of the stretch are left: the same lanes as the eight-unit steps
-// (a high surrogate last in the block is left for the next step, so that no pair straddles two).
-// Stops before a block all below U+0800 or with a surrogate that is not half of a pair, for the
-// eight-unit steps. Positions come and go by value: a reference would put them in memory.
+// Sixteen units a step, any mix that is not all ASCII, from in[i] into out[o] while at least 32
+// units of the stretch are left: the same lanes as the eight-unit steps (a high surrogate last
+// in the block is left for the next step, so that no pair straddles two). Stops before a block
+// all ASCII or with a surrogate that is not half of a pair, for the eight-unit steps. Positions
+// come and go by value: a reference would put them in memory.
 QNCL_AVX2 __attribute__((noinline)) Positions encodeWideRun(const char16_t* in, long i, long end,
                                                             uint8_t* out, long o) {
     const __m256i zero = _mm256_setzero_si256();
     while (end - i >= 32) {
         const __m256i units = _mm256_loadu_si256(reinterpret_cast<const __m256i*>(in + i));
         const __m256i below = _mm256_cmpeq_epi16(_mm256_and_si256(units, set(0xF800)), zero);
-        if (_mm256_movemask_epi8(below) == -1)
-            break;
         const __m256i ascii = _mm256_cmpeq_epi16(_mm256_and_si256(units, set(0xFF80)), zero);
+        if (_mm256_movemask_epi8(below) == -1) {
+            // All below U+0800: one or two bytes a lane, as in encodeTwoByteLanes, eight lanes
+            // to each half of the register; a block all ASCII ends the run.
+            const uint32_t asciiBits =
+                static_cast<uint32_t>(_mm256_movemask_epi8(_mm256_packs_epi16(ascii, ascii)));
+            if (asciiBits == 0xFFFFFFFFu)
+                break;
+            const unsigned index0 = ~asciiBits & 0xFFu;
+            const unsigned index1 = (~asciiBits >> 16) & 0xFFu;
+            const __m256i two = _mm256_or_si256(
+                _mm256_or_si256(_mm256_srli_epi16(units, 6),
+                                _mm256_slli_epi16(_mm256_and_si256(units, set(0x3F)), 8)),
+                set(0x80C0));
+            const __m256i bytes = _mm256_shuffle_epi8(
+                _mm256_blendv_epi8(two, units, ascii),
+                _mm256_inserti128_si256(_mm256_castsi128_si256(load(SHUFFLES.twoByte[index0])),
+                                        load(SHUFFLES.twoByte[index1]), 1));
+            store(out + o, _mm256_castsi256_si128(bytes));
+            o += SHUFFLES.twoByteLength[index0];
+            store(out + o, _mm256_extracti128_si256(bytes, 1));
+            o += SHUFFLES.twoByteLength[index1];
+            i += 16;
+            continue;
+        }
         const __m256i surrogate =
             _mm256_cmpeq_epi16(_mm256_and_si256(units, set(0xF800)), set(0xD800));
         const __m256i trail = _mm256_or_si256(_mm256_and_si256(units, set(0x3F)), set(0x80));
@@ -334,6 +356,20 @@ QNCL_SSE41 inline bool encodeStretch(const char16_t* in, long& i, long end, uint
             }
             continue;
         }
+#ifdef QNCL_UTF_ENCODE_WIDE
+        if (wide && end - i >= 32) {
+            const Positions reached = encodeWideRun(in, i, end, out, o);
+            if (reached.i != i) {
+                // The wide steps leave no pair straddling.
+                i = reached.i;
+                o = reached.o;
+                lastHigh = _mm_setzero_si128();
+                continue;
+            }
+        }
+#else
+        (void)wide;
+#endif
         if (classBits >= 0xFF00u) {
             o += encodeTwoByteLanes(units, ascii, classBits & 0xFFu, out + o);
             i += 8;
@@ -355,20 +391,6 @@ QNCL_SSE41 inline bool encodeStretch(const char16_t* in, long& i, long end, uint
             }
             continue;
         }
-#ifdef QNCL_UTF_ENCODE_WIDE
-        if (wide && end - i >= 32) {
-            const Positions reached = encodeWideRun(in, i, end, out, o);
-            if (reached.i != i) {
-                // The wide steps leave no pair straddling.
-                i = reached.i;
-                o = reached.o;
-                lastHigh = _mm_setzero_si128();
-                continue;
-            }
-        }
-#else
-        (void)wide;
-#endif
         const __m128i surrogate =
             _mm_cmpeq_epi16(_mm_and_si128(units, set16(0xF800)), set16(0xD800));
         if (_mm_testz_si128(surrogate, surrogate)) {

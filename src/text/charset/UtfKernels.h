@@ -559,9 +559,9 @@ inline void encodeUtf8Common(const char16_t* in, long& inPos, long inEnd, uint8_
 #if defined(QNCL_UTF_SSE2) && defined(__x86_64__)
 #define QNCL_UTF_ENCODE_BLOCKS 1
 // Utf8EncodeBlocks.cpp: the same contract as encodeUtf8Common, eight units a step in SSSE3 and
-// SSE4.1 whatever their mix (level 1), and sixteen in AVX2 where the text is not all below
-// U+0800 (level 2, Linux only). encodeUtf8BlocksLevel says, once, what the processor allows (0:
-// neither); encodeUtf8Blocks takes a level it allows.
+// SSE4.1 whatever their mix (level 1), and sixteen in AVX2 (level 2, Linux only).
+// encodeUtf8BlocksLevel says, once, what the processor allows (0: neither); encodeUtf8Blocks
+// takes a level it allows.
 int encodeUtf8BlocksLevel();
 void encodeUtf8Blocks(const char16_t* in, long& inPos, long inEnd, uint8_t* out, long& outPos,
                       long outEnd, int level);
