@@ -461,6 +461,36 @@ inline int encodeTwoByteBlock(const char16_t* from, uint8_t* to) {
 }
 #endif
 
+// Encodes the unit at in[i] into out[o], together with the low surrogate after it when it is a
+// high one and the pair lies below end; false, taking nothing, for any other surrogate (the
+// simple loop's business). The caller makes sure that three bytes a unit fit.
+inline bool encodeUtf8Unit(const char16_t* in, long& i, long end, uint8_t* out, long& o) {
+    const uint32_t unit = in[i];
+    if (unit < 0x80) {
+        out[o++] = static_cast<uint8_t>(unit);
+        ++i;
+    } else if (unit < 0x800) {
+        writeTwo(unit, out + o);
+        o += 2;
+        ++i;
+    } else if (!isSurrogate(unit)) {
+        writeThree(unit, out + o);
+        o += 3;
+        ++i;
+    } else if (isHighSurrogate(unit) && i + 1 < end && isLowSurrogate(in[i + 1])) {
+        const uint32_t value = (unit << 10) + in[i + 1] - 0x35FDC00u;
+        out[o] = static_cast<uint8_t>(0xF0u | (value >> 18));
+        out[o + 1] = static_cast<uint8_t>(0x80u | ((value >> 12) & 0x3Fu));
+        out[o + 2] = static_cast<uint8_t>(0x80u | ((value >> 6) & 0x3Fu));
+        out[o + 3] = static_cast<uint8_t>(0x80u | (value & 0x3Fu));
+        o += 4;
+        i += 2;
+    } else {
+        return false;
+    }
+    return true;
+}
+
 // The fast form's inner loop, with no surrogate pending: takes ASCII (a block at a time where it
 // can), every unit outside the surrogate range and whole pairs, as long as the output has room
 // for anything, and leaves everything else to the simple loop. A unit writes at most three
@@ -494,38 +524,24 @@ inline void encodeUtf8Common(const char16_t* in, long& inPos, long inEnd, uint8_
                 }
                 out[o++] = static_cast<uint8_t>(unit);
                 ++i;
-            } else if (unit < 0x800) {
+                continue;
+            }
 #ifdef QNCL_UTF_SSE2
-                if (end - i >= 8 && in[i + 1] - 0x80u < 0x780u) {
-                    int taken = encodeTwoByteBlock(in + i, out + o);
-                    if (taken != 0) {
-                        for (;;) {
-                            i += taken;
-                            o += 2 * taken;
-                            if (taken != 8 || end - i < 8)
-                                break;
-                            taken = encodeTwoByteBlock(in + i, out + o);
-                        }
-                        continue;
+            if (unit < 0x800 && end - i >= 8 && in[i + 1] - 0x80u < 0x780u) {
+                int taken = encodeTwoByteBlock(in + i, out + o);
+                if (taken != 0) {
+                    for (;;) {
+                        i += taken;
+                        o += 2 * taken;
+                        if (taken != 8 || end - i < 8)
+                            break;
+                        taken = encodeTwoByteBlock(in + i, out + o);
                     }
+                    continue;
                 }
+            }
 #endif
-                writeTwo(unit, out + o);
-                o += 2;
-                ++i;
-            } else if (!isSurrogate(unit)) {
-                writeThree(unit, out + o);
-                o += 3;
-                ++i;
-            } else if (isHighSurrogate(unit) && i + 1 < end && isLowSurrogate(in[i + 1])) {
-                const uint32_t value = (unit << 10) + in[i + 1] - 0x35FDC00u;
-                out[o] = static_cast<uint8_t>(0xF0u | (value >> 18));
-                out[o + 1] = static_cast<uint8_t>(0x80u | ((value >> 12) & 0x3Fu));
-                out[o + 2] = static_cast<uint8_t>(0x80u | ((value >> 6) & 0x3Fu));
-                out[o + 3] = static_cast<uint8_t>(0x80u | (value & 0x3Fu));
-                o += 4;
-                i += 2;
-            } else {
+            if (!encodeUtf8Unit(in, i, end, out, o)) {
                 inPos = i;
                 outPos = o;
                 return;
@@ -539,15 +555,34 @@ inline void encodeUtf8Common(const char16_t* in, long& inPos, long inEnd, uint8_
     outPos = o;
 }
 
+// On x86-64 the encoder also has SSE4.1 and AVX2 blocks, compiled apart and chosen at run time.
+#if defined(QNCL_UTF_SSE2) && defined(__x86_64__)
+#define QNCL_UTF_ENCODE_BLOCKS 1
+// Utf8EncodeBlocks.cpp: the same contract as encodeUtf8Common, eight units a step in SSSE3 and
+// SSE4.1 whatever their mix (level 1), and sixteen in AVX2 (level 2, Linux only).
+// encodeUtf8BlocksLevel says, once, what the processor allows (0: neither); encodeUtf8Blocks
+// takes a level it allows.
+int encodeUtf8BlocksLevel();
+void encodeUtf8Blocks(const char16_t* in, long& inPos, long inEnd, uint8_t* out, long& outPos,
+                      long outEnd, int level);
+#endif
+
 // UTF-16 to UTF-8 (the rules are listed in CTBUTF8.h); pending is the encoder's pending high
-// surrogate.
-template <bool Fast>
+// surrogate. Blocks caps the level of the blocks the fast form may use (0: encodeUtf8Common only;
+// the fuzzers hold every level to the simple form).
+template <bool Fast, int Blocks = 2>
 void encodeUtf8(const char16_t* in, long& i, long inEnd, uint8_t* out, long& o, long outEnd,
                 char16_t& pending) {
     while (i < inEnd) {
         if constexpr (Fast) {
             if (pending == 0) {
-                encodeUtf8Common(in, i, inEnd, out, o, outEnd);
+#ifdef QNCL_UTF_ENCODE_BLOCKS
+                const int level = std::min(Blocks, encodeUtf8BlocksLevel());
+                if (level > 0)
+                    encodeUtf8Blocks(in, i, inEnd, out, o, outEnd, level);
+                else
+#endif
+                    encodeUtf8Common(in, i, inEnd, out, o, outEnd);
                 if (i >= inEnd)
                     return;
             }

@@ -1,0 +1,459 @@
+// UTF-16 to UTF-8 eight units a step with SSSE3 and SSE4.1, for any mix of one-, two- and
+// three-byte units and surrogate pairs, and sixteen with AVX2 (x86-64 only, AVX2 not on
+// Windows; chosen at run time, once).
+//
+// What a step takes, from a window of at least sixteen units of the stretch (the stretch is
+// encodeUtf8Common's: min(units left, free bytes / 3) units, so every store below lands inside
+// the output, and a step reads no unit past the stretch):
+// - an ASCII run of sixteen units or more, to its end through narrowAscii; eight ASCII units
+//   before other ones, packed to eight bytes;
+// - eight units all below U+0800 (Latin-1 text, Cyrillic, Greek, with their ASCII), then
+//   sixteen at a time while the run lasts: each unit becomes one 16-bit lane holding its one or
+//   two bytes, and one shuffle per eight, picked by which lanes need two bytes, squeezes out the
+//   unused bytes;
+// - eight units of any other mix without surrogates (CJK with its ASCII punctuation): each unit
+//   becomes a 32-bit lane holding its one to three bytes, and one shuffle per half, picked by
+//   each lane's length, squeezes them together;
+// - eight units with surrogates, each half of a pair: as above, a high surrogate's lane holding
+//   the first two of its pair's four bytes and the low one's the last two. A pair may straddle
+//   two steps (the high surrogate last, its low one first in the next block): the next step
+//   takes the high one from the previous block.
+// With AVX2, blocks of sixteen units not all ASCII go as the last three kinds in one step (the
+// lanes are the same; a high surrogate last in the block waits for the next step, so no pair
+// straddles two), as long as 32 units of the stretch are left.
+// A block holding a surrogate that is not half of a pair (a lone low one, a high one not
+// followed by a low one) goes unit by unit through the same scalar step as encodeUtf8Common,
+// which stops before such a surrogate for the simple loop; a pair straddling the step before
+// goes again whole then. Shorter windows near the end of a stretch go unit by unit too. A step
+// stores whole sixteen byte vectors: the bytes past the units it took are scratch the next step
+// (or the caller's next write) overwrites; nothing is stored at or past outEnd.
+#include "UtfKernels.h"
+
+#ifdef QNCL_UTF_ENCODE_BLOCKS
+
+#include <smmintrin.h>
+#include <tmmintrin.h>
+
+#define QNCL_SSE41 __attribute__((target("ssse3,sse4.1")))
+
+// Sixteen-unit steps with AVX2, on Linux only: GCC on Windows does not align the stack for
+// spilled 32-byte vectors.
+#ifndef _WIN32
+#include <immintrin.h>
+#define QNCL_UTF_ENCODE_WIDE 1
+#define QNCL_AVX2 __attribute__((target("avx2")))
+#endif
+
+namespace qn::text::charset::utf {
+
+namespace {
+
+// The shuffles that squeeze the lanes of a step together, with the number of bytes each keeps.
+// twoByte[m]: eight 16-bit lanes, lane k keeps its second byte when bit k of m is set.
+// mixed[m]: four 32-bit lanes, lane k keeps 1 + bit k + 2 * bit (k + 4) of m bytes (both bits
+// set, four bytes, is not used).
+struct EncodeShuffles {
+    alignas(16) uint8_t twoByte[256][16];
+    alignas(16) uint8_t mixed[256][16];
+    uint8_t twoByteLength[256];
+    uint8_t mixedLength[256];
+
+    constexpr EncodeShuffles() : twoByte(), mixed(), twoByteLength(), mixedLength() {
+        for (int m = 0; m < 256; ++m) {
+            int n = 0;
+            for (int k = 0; k < 8; ++k) {
+                twoByte[m][n++] = static_cast<uint8_t>(2 * k);
+                if ((m >> k) & 1)
+                    twoByte[m][n++] = static_cast<uint8_t>(2 * k + 1);
+            }
+            twoByteLength[m] = static_cast<uint8_t>(n);
+            for (; n < 16; ++n)
+                twoByte[m][n] = 0x80;
+            n = 0;
+            for (int k = 0; k < 4; ++k) {
+                const int length = 1 + ((m >> k) & 1) + 2 * ((m >> (k + 4)) & 1);
+                for (int b = 0; b < length; ++b)
+                    mixed[m][n++] = static_cast<uint8_t>(4 * k + b);
+            }
+            mixedLength[m] = static_cast<uint8_t>(n);
+            for (; n < 16; ++n)
+                mixed[m][n] = 0x80;
+        }
+    }
+};
+
+constexpr EncodeShuffles SHUFFLES{};
+
+QNCL_SSE41 inline __m128i load(const void* from) {
+    return _mm_loadu_si128(static_cast<const __m128i*>(from));
+}
+
+QNCL_SSE41 inline void store(uint8_t* to, __m128i bytes) {
+    _mm_storeu_si128(reinterpret_cast<__m128i*>(to), bytes);
+}
+
+QNCL_SSE41 inline __m128i set16(int value) {
+    return _mm_set1_epi16(static_cast<short>(value));
+}
+
+// Eight units below U+0800 (ascii marks the ASCII lanes, asciiBits has one bit a lane for
+// them): stores their bytes at to and says how many there are.
+QNCL_SSE41 inline long encodeTwoByteLanes(__m128i units, __m128i ascii, unsigned asciiBits,
+                                          uint8_t* to) {
+    // Little-endian lanes: the lead byte 0xC0 | unit >> 6 first, then 0x80 | (unit & 0x3F).
+    const __m128i two =
+        _mm_or_si128(_mm_or_si128(_mm_srli_epi16(units, 6),
+                                  _mm_slli_epi16(_mm_and_si128(units, set16(0x3F)), 8)),
+                     set16(0x80C0));
+    const unsigned index = ~asciiBits & 0xFFu;
+    store(to, _mm_shuffle_epi8(_mm_blendv_epi8(two, units, ascii), load(SHUFFLES.twoByte[index])));
+    return SHUFFLES.twoByteLength[index];
+}
+
+// The first two bytes (first) and the third (trail) of eight units, each as if it took three
+// bytes if it takes three or more, two if two, one if one (ascii and below mark the lanes below
+// U+0080 and U+0800).
+QNCL_SSE41 inline void threeByteLanes(__m128i units, __m128i ascii, __m128i below, __m128i& first,
+                                      __m128i& trail) {
+    trail = _mm_or_si128(_mm_and_si128(units, set16(0x3F)), set16(0x80));
+    const __m128i mid =
+        _mm_or_si128(_mm_and_si128(_mm_srli_epi16(units, 6), set16(0x3F)), set16(0x80));
+    const __m128i lead2 = _mm_or_si128(_mm_srli_epi16(units, 6), set16(0xC0));
+    const __m128i lead3 = _mm_or_si128(_mm_srli_epi16(units, 12), set16(0xE0));
+    first = _mm_blendv_epi8(_mm_or_si128(lead3, _mm_slli_epi16(mid, 8)),
+                            _mm_or_si128(lead2, _mm_slli_epi16(trail, 8)), below);
+    first = _mm_blendv_epi8(first, units, ascii);
+}
+
+// Stores the bytes of eight lanes at to and says how many there are: lane k has 1 + two[k] +
+// 2 * three[k] bytes (all ones or zero in each mask), the first two in first, the third in trail.
+QNCL_SSE41 inline long storeLanes(__m128i first, __m128i trail, __m128i two, __m128i three,
+                                  uint8_t* to) {
+    const unsigned lengths = static_cast<unsigned>(_mm_movemask_epi8(_mm_packs_epi16(two, three)));
+    const unsigned index0 = (lengths & 0xFu) | ((lengths >> 4) & 0xF0u);
+    const unsigned index1 = ((lengths >> 4) & 0xFu) | ((lengths >> 8) & 0xF0u);
+    store(to, _mm_shuffle_epi8(_mm_unpacklo_epi16(first, trail), load(SHUFFLES.mixed[index0])));
+    const long length0 = SHUFFLES.mixedLength[index0];
+    store(to + length0,
+          _mm_shuffle_epi8(_mm_unpackhi_epi16(first, trail), load(SHUFFLES.mixed[index1])));
+    return length0 + SHUFFLES.mixedLength[index1];
+}
+
+// Eight units with no surrogate among them: stores their bytes at to, says how many there are.
+QNCL_SSE41 inline long encodeThreeByteLanes(__m128i units, __m128i ascii, __m128i below,
+                                            uint8_t* to) {
+    __m128i first, trail;
+    threeByteLanes(units, ascii, below, first, trail);
+    return storeLanes(first, trail, _mm_andnot_si128(ascii, below),
+                      _mm_xor_si128(below, _mm_set1_epi32(-1)), to);
+}
+
+// Eight units at from with surrogates among them (surrogate marks them; from[8] is readable):
+// stores their bytes at to, sets written to their number and says true when each surrogate is
+// half of a pair; else false, with nothing stored. last holds the previous step's units and
+// lastHigh its high surrogates (the last lane's is the one of a pair straddling the steps); both
+// are set for the next step.
+QNCL_SSE41 inline bool encodeSurrogateLanes(const char16_t* from, __m128i units, __m128i ascii,
+                                            __m128i below, __m128i surrogate, __m128i& last,
+                                            __m128i& lastHigh, uint8_t* to, long& written) {
+    const __m128i high = _mm_cmpeq_epi16(_mm_and_si128(units, set16(0xFC00)), set16(0xD800));
+    const __m128i low = _mm_andnot_si128(high, surrogate);
+    // The unit after each lane is a low surrogate exactly where the lane is a high one, and
+    // the unit before each lane a high one exactly where the lane is a low one.
+    const __m128i afterLow =
+        _mm_cmpeq_epi16(_mm_and_si128(load(from + 1), set16(0xFC00)), set16(0xDC00));
+    const __m128i mismatch = _mm_or_si128(_mm_xor_si128(high, afterLow),
+                                          _mm_xor_si128(low, _mm_alignr_epi8(high, lastHigh, 14)));
+    if (!_mm_testz_si128(mismatch, mismatch))
+        return false;
+    __m128i first, trail;
+    threeByteLanes(units, ascii, below, first, trail);
+    // The pair (h, l) is U+10000 + (h & 0x3FF) << 10 + (l & 0x3FF), and h + 0x40 has its
+    // value >> 10 in its low eleven bits. Its four bytes go two to a lane: the high lane
+    // 0xF0 | (h + 0x40) >> 8 & 7 and 0x80 | ((h + 0x40) >> 2 & 0x3F); the low one
+    // 0x80 | (h & 3) << 4 | (l >> 6 & 0xF) and 0x80 | (l & 0x3F), its trail byte.
+    const __m128i plus = _mm_add_epi16(units, set16(0x40));
+    const __m128i highBytes =
+        _mm_or_si128(_mm_or_si128(_mm_and_si128(_mm_srli_epi16(plus, 8), set16(7)),
+                                  _mm_and_si128(_mm_slli_epi16(plus, 6), set16(0x3F00))),
+                     set16(0x80F0));
+    const __m128i prev = _mm_alignr_epi8(units, last, 14);
+    const __m128i lowBytes =
+        _mm_or_si128(_mm_or_si128(_mm_slli_epi16(_mm_and_si128(prev, set16(3)), 4),
+                                  _mm_and_si128(_mm_srli_epi16(units, 6), set16(0xF))),
+                     _mm_or_si128(_mm_slli_epi16(trail, 8), set16(0x80)));
+    first = _mm_blendv_epi8(first, _mm_blendv_epi8(lowBytes, highBytes, high), surrogate);
+    written = storeLanes(first, trail, _mm_or_si128(_mm_andnot_si128(ascii, below), surrogate),
+                         _mm_xor_si128(_mm_or_si128(below, surrogate), _mm_set1_epi32(-1)), to);
+    last = units;
+    lastHigh = high;
+    return true;
+}
+
+// The positions a run of steps ends at.
+struct Positions {
+    long i;
+    long o;
+};
+
+#ifdef QNCL_UTF_ENCODE_WIDE
+QNCL_AVX2 inline __m256i set(int value) {
+    return _mm256_set1_epi16(static_cast<short>(value));
+}
+
+// Sixteen units a step, any mix that is not all ASCII, from in[i] into out[o] while at least 32
+// units of the stretch are left: the same lanes as the eight-unit steps (a high surrogate last
+// in the block is left for the next step, so that no pair straddles two). Stops before a block
+// all ASCII or with a surrogate that is not half of a pair, for the eight-unit steps. Positions
+// come and go by value: a reference would put them in memory.
+QNCL_AVX2 __attribute__((noinline)) Positions encodeWideRun(const char16_t* in, long i, long end,
+                                                            uint8_t* out, long o) {
+    const __m256i zero = _mm256_setzero_si256();
+    while (end - i >= 32) {
+        const __m256i units = _mm256_loadu_si256(reinterpret_cast<const __m256i*>(in + i));
+        const __m256i below = _mm256_cmpeq_epi16(_mm256_and_si256(units, set(0xF800)), zero);
+        const __m256i ascii = _mm256_cmpeq_epi16(_mm256_and_si256(units, set(0xFF80)), zero);
+        if (_mm256_movemask_epi8(below) == -1) {
+            // All below U+0800: one or two bytes a lane, as in encodeTwoByteLanes, eight lanes
+            // to each half of the register; a block all ASCII ends the run.
+            const uint32_t asciiBits =
+                static_cast<uint32_t>(_mm256_movemask_epi8(_mm256_packs_epi16(ascii, ascii)));
+            if (asciiBits == 0xFFFFFFFFu)
+                break;
+            const unsigned index0 = ~asciiBits & 0xFFu;
+            const unsigned index1 = (~asciiBits >> 16) & 0xFFu;
+            const __m256i two = _mm256_or_si256(
+                _mm256_or_si256(_mm256_srli_epi16(units, 6),
+                                _mm256_slli_epi16(_mm256_and_si256(units, set(0x3F)), 8)),
+                set(0x80C0));
+            const __m256i bytes = _mm256_shuffle_epi8(
+                _mm256_blendv_epi8(two, units, ascii),
+                _mm256_inserti128_si256(_mm256_castsi128_si256(load(SHUFFLES.twoByte[index0])),
+                                        load(SHUFFLES.twoByte[index1]), 1));
+            store(out + o, _mm256_castsi256_si128(bytes));
+            o += SHUFFLES.twoByteLength[index0];
+            store(out + o, _mm256_extracti128_si256(bytes, 1));
+            o += SHUFFLES.twoByteLength[index1];
+            i += 16;
+            continue;
+        }
+        const __m256i surrogate =
+            _mm256_cmpeq_epi16(_mm256_and_si256(units, set(0xF800)), set(0xD800));
+        const __m256i trail = _mm256_or_si256(_mm256_and_si256(units, set(0x3F)), set(0x80));
+        const __m256i mid =
+            _mm256_or_si256(_mm256_and_si256(_mm256_srli_epi16(units, 6), set(0x3F)), set(0x80));
+        const __m256i lead2 = _mm256_or_si256(_mm256_srli_epi16(units, 6), set(0xC0));
+        const __m256i lead3 = _mm256_or_si256(_mm256_srli_epi16(units, 12), set(0xE0));
+        __m256i first =
+            _mm256_blendv_epi8(_mm256_or_si256(lead3, _mm256_slli_epi16(mid, 8)),
+                               _mm256_or_si256(lead2, _mm256_slli_epi16(trail, 8)), below);
+        first = _mm256_blendv_epi8(first, units, ascii);
+        __m256i two = _mm256_andnot_si256(ascii, below);
+        __m256i three = _mm256_xor_si256(below, _mm256_set1_epi32(-1));
+        long straddling = 0;
+        if (!_mm256_testz_si256(surrogate, surrogate)) {
+            const __m256i high =
+                _mm256_cmpeq_epi16(_mm256_and_si256(units, set(0xFC00)), set(0xD800));
+            const __m256i low = _mm256_andnot_si256(high, surrogate);
+            // Each lane's value moved one lane up across the halves, nothing into the first.
+            const __m256i highBefore =
+                _mm256_alignr_epi8(high, _mm256_permute2x128_si256(high, high, 0x08), 14);
+            // Every low surrogate right after a high one (then every high one but the last is
+            // right before a low one; the last is left for the next step).
+            const __m256i mismatch = _mm256_xor_si256(low, highBefore);
+            if (!_mm256_testz_si256(mismatch, mismatch))
+                break;
+            const __m256i plus = _mm256_add_epi16(units, set(0x40));
+            const __m256i highBytes = _mm256_or_si256(
+                _mm256_or_si256(_mm256_and_si256(_mm256_srli_epi16(plus, 8), set(7)),
+                                _mm256_and_si256(_mm256_slli_epi16(plus, 6), set(0x3F00))),
+                set(0x80F0));
+            const __m256i prev =
+                _mm256_alignr_epi8(units, _mm256_permute2x128_si256(units, units, 0x08), 14);
+            const __m256i lowBytes = _mm256_or_si256(
+                _mm256_or_si256(_mm256_slli_epi16(_mm256_and_si256(prev, set(3)), 4),
+                                _mm256_and_si256(_mm256_srli_epi16(units, 6), set(0xF))),
+                _mm256_or_si256(_mm256_slli_epi16(trail, 8), set(0x80)));
+            first =
+                _mm256_blendv_epi8(first, _mm256_blendv_epi8(lowBytes, highBytes, high), surrogate);
+            two = _mm256_or_si256(two, surrogate);
+            three = _mm256_andnot_si256(surrogate, three);
+            straddling = static_cast<long>(static_cast<uint32_t>(_mm256_movemask_epi8(high)) >> 31);
+        }
+        // Per half of the register: eight bits of two, then eight of three.
+        const uint32_t lengths =
+            static_cast<uint32_t>(_mm256_movemask_epi8(_mm256_packs_epi16(two, three)));
+        unsigned index[4];
+        for (int half = 0; half < 2; ++half) {
+            const uint32_t bits = lengths >> (16 * half);
+            index[2 * half] = (bits & 0xFu) | ((bits >> 4) & 0xF0u);
+            index[2 * half + 1] = ((bits >> 4) & 0xFu) | ((bits >> 8) & 0xF0u);
+        }
+        // unpacklo holds units 0-3 and 8-11, unpackhi 4-7 and 12-15.
+        const __m256i lowQuads = _mm256_shuffle_epi8(
+            _mm256_unpacklo_epi16(first, trail),
+            _mm256_inserti128_si256(_mm256_castsi128_si256(load(SHUFFLES.mixed[index[0]])),
+                                    load(SHUFFLES.mixed[index[2]]), 1));
+        const __m256i highQuads = _mm256_shuffle_epi8(
+            _mm256_unpackhi_epi16(first, trail),
+            _mm256_inserti128_si256(_mm256_castsi128_si256(load(SHUFFLES.mixed[index[1]])),
+                                    load(SHUFFLES.mixed[index[3]]), 1));
+        store(out + o, _mm256_castsi256_si128(lowQuads));
+        o += SHUFFLES.mixedLength[index[0]];
+        store(out + o, _mm256_castsi256_si128(highQuads));
+        o += SHUFFLES.mixedLength[index[1]];
+        store(out + o, _mm256_extracti128_si256(lowQuads, 1));
+        o += SHUFFLES.mixedLength[index[2]];
+        store(out + o, _mm256_extracti128_si256(highQuads, 1));
+        o += SHUFFLES.mixedLength[index[3]] - 2 * straddling;
+        i += 16 - straddling;
+    }
+    return {i, o};
+}
+#endif
+
+// encodeUtf8Unit up to stop (a pair may end one unit past it); false where it stops.
+inline bool encodeUtf8Units(const char16_t* in, long& i, long stop, long end, uint8_t* out,
+                            long& o) {
+    while (i < stop) {
+        if (!encodeUtf8Unit(in, i, end, out, o))
+            return false;
+    }
+    return true;
+}
+
+// 1 when the last lane of lastHigh is set (a pair straddles two steps), else 0.
+QNCL_SSE41 inline long straddlingPair(__m128i lastHigh) {
+    return static_cast<long>(static_cast<unsigned>(_mm_movemask_epi8(lastHigh)) >> 15);
+}
+
+// The step loop over a stretch (see the top of the file); false where a unit stops it.
+QNCL_SSE41 inline bool encodeStretch(const char16_t* in, long& i, long end, uint8_t* out, long& o,
+                                     bool wide) {
+    // A pair straddling two steps has its high surrogate's first two bytes written by the first
+    // (the last lane of lastHigh set); unit by unit, it is taken again from there.
+    __m128i last = _mm_setzero_si128();
+    __m128i lastHigh = _mm_setzero_si128();
+    while (end - i >= 16) {
+        const __m128i units = load(in + i);
+        const __m128i ascii =
+            _mm_cmpeq_epi16(_mm_and_si128(units, set16(0xFF80)), _mm_setzero_si128());
+        const __m128i below =
+            _mm_cmpeq_epi16(_mm_and_si128(units, set16(0xF800)), _mm_setzero_si128());
+        const unsigned classBits =
+            static_cast<unsigned>(_mm_movemask_epi8(_mm_packs_epi16(ascii, below)));
+        // After a straddling pair the first lane is a low surrogate: none of the next three.
+        if (classBits == 0xFFFFu) {
+            const __m128i more = load(in + i + 8);
+            if (_mm_testz_si128(more, set16(0xFF80))) {
+                // A long run: the plain ASCII loop, to its end or the stretch's.
+                narrowAscii(in, i, end, out, o, o + (end - i));
+            } else {
+                _mm_storel_epi64(reinterpret_cast<__m128i*>(out + o),
+                                 _mm_packus_epi16(units, units));
+                i += 8;
+                o += 8;
+            }
+            continue;
+        }
+#ifdef QNCL_UTF_ENCODE_WIDE
+        if (wide && end - i >= 32) {
+            const Positions reached = encodeWideRun(in, i, end, out, o);
+            if (reached.i != i) {
+                // The wide steps leave no pair straddling.
+                i = reached.i;
+                o = reached.o;
+                lastHigh = _mm_setzero_si128();
+                continue;
+            }
+        }
+#else
+        (void)wide;
+#endif
+        if (classBits >= 0xFF00u) {
+            o += encodeTwoByteLanes(units, ascii, classBits & 0xFFu, out + o);
+            i += 8;
+            // Runs below U+0800 go on for sixteen units at a time while they last.
+            while (end - i >= 16) {
+                const __m128i lo = load(in + i);
+                const __m128i hi = load(in + i + 8);
+                if (!_mm_testz_si128(_mm_or_si128(lo, hi), set16(0xF800)))
+                    break;
+                const __m128i asciiLo =
+                    _mm_cmpeq_epi16(_mm_and_si128(lo, set16(0xFF80)), _mm_setzero_si128());
+                const __m128i asciiHi =
+                    _mm_cmpeq_epi16(_mm_and_si128(hi, set16(0xFF80)), _mm_setzero_si128());
+                const unsigned bits =
+                    static_cast<unsigned>(_mm_movemask_epi8(_mm_packs_epi16(asciiLo, asciiHi)));
+                o += encodeTwoByteLanes(lo, asciiLo, bits & 0xFFu, out + o);
+                o += encodeTwoByteLanes(hi, asciiHi, bits >> 8, out + o);
+                i += 16;
+            }
+            continue;
+        }
+        const __m128i surrogate =
+            _mm_cmpeq_epi16(_mm_and_si128(units, set16(0xF800)), set16(0xD800));
+        if (_mm_testz_si128(surrogate, surrogate)) {
+            o += encodeThreeByteLanes(units, ascii, below, out + o);
+            i += 8;
+            continue;
+        }
+        long written;
+        if (encodeSurrogateLanes(in + i, units, ascii, below, surrogate, last, lastHigh, out + o,
+                                 written)) {
+            i += 8;
+            o += written;
+            continue;
+        }
+        const long carried = straddlingPair(lastHigh);
+        i -= carried;
+        o -= 2 * carried;
+        lastHigh = _mm_setzero_si128();
+        if (!encodeUtf8Units(in, i, i + 8, end, out, o))
+            return false;
+    }
+    const long carried = straddlingPair(lastHigh);
+    i -= carried;
+    o -= 2 * carried;
+    return encodeUtf8Units(in, i, end, end, out, o);
+}
+
+// The stretches, with the positions in locals: stores through the output must not force them to
+// memory.
+QNCL_SSE41 void encodeBlocks(const char16_t* in, long& inPos, long inEnd, uint8_t* out,
+                             long& outPos, long outEnd, bool wide) {
+    long i = inPos;
+    long o = outPos;
+    for (;;) {
+        const long end = i + std::min(inEnd - i, (outEnd - o) / 3);
+        if (end == i || !encodeStretch(in, i, end, out, o, wide))
+            break;
+    }
+    inPos = i;
+    outPos = o;
+}
+
+} // namespace
+
+int encodeUtf8BlocksLevel() {
+    static const int level = [] {
+        __builtin_cpu_init();
+        if (__builtin_cpu_supports("ssse3") == 0 || __builtin_cpu_supports("sse4.1") == 0)
+            return 0;
+#ifdef QNCL_UTF_ENCODE_WIDE
+        if (__builtin_cpu_supports("avx2") != 0)
+            return 2;
+#endif
+        return 1;
+    }();
+    return level;
+}
+
+void encodeUtf8Blocks(const char16_t* in, long& inPos, long inEnd, uint8_t* out, long& outPos,
+                      long outEnd, int level) {
+    encodeBlocks(in, inPos, inEnd, out, outPos, outEnd, level >= 2);
+}
+
+} // namespace qn::text::charset::utf
+
+#endif
