@@ -11,8 +11,8 @@ namespace qn::text::charset {
 
 namespace {
 
-bool decodesAsciiToItself(const char16_t* table) {
-    for (char16_t b = 0; b < 0x80; ++b) {
+bool decodesToItself(const char16_t* table, char16_t from, char16_t to) {
+    for (char16_t b = from; b <= to; ++b) {
         if (table[b] != b)
             return false;
     }
@@ -30,7 +30,8 @@ bool encodesAsciiToItself(const uint16_t* pageIndex, const unsigned char* bytes)
 } // namespace
 
 BTCSingleByteTable::BTCSingleByteTable(const char16_t* name, const char16_t* table) noexcept
-    : m_name(name), m_table(table), m_asciiIdentity(decodesAsciiToItself(table)) {}
+    : m_name(name), m_table(table), m_asciiIdentity(decodesToItself(table, 0x00, 0x7F)),
+      m_latin1Identity(decodesToItself(table, 0xA0, 0xFF)) {}
 
 BTCSingleByteTable::~BTCSingleByteTable() = default;
 
@@ -40,7 +41,8 @@ long BTCSingleByteTable::convert(const signed char* in, long* inPos, long inEnd,
     const auto map = [table](unsigned char b) { return table[b]; };
     const kernels::ByteSubstitution settings = kernels::settingsOf(*this);
     if (m_asciiIdentity)
-        return kernels::decode<true>(map, settings, in, inPos, inEnd, out, outPos, outEnd);
+        return kernels::decode<true>(map, settings, in, inPos, inEnd, out, outPos, outEnd,
+                                     kernels::TableBlocks{table, m_latin1Identity});
     return kernels::decode<false>(map, settings, in, inPos, inEnd, out, outPos, outEnd);
 }
 

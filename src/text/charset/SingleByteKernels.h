@@ -1,7 +1,8 @@
 // The loops of the single-byte converters, written once over a mapping: the bases call them with
 // their virtual hook, the concrete converters with an inline mapping (and, where bytes
-// 0x00-0x7F are ASCII itself, with runs of ASCII copied eight bytes or four units a step). Both
-// give the same results and positions; the fuzzers compare them.
+// 0x00-0x7F are ASCII itself, with runs of ASCII copied eight bytes or four units a step, or with
+// SSE2 sixteen bytes a step whatever their mix; see TableBlocks). All give the same results and
+// positions; the fuzzers compare them.
 #pragma once
 
 #include "qn/core/Exception.h"
@@ -11,6 +12,12 @@
 #include <algorithm>
 #include <cstdint>
 #include <cstring>
+
+// QNCL_SB_PORTABLE keeps the word-at-a-time loops where SSE2 exists too.
+#if !defined(QNCL_SB_PORTABLE) && (defined(__SSE2__) || defined(_M_X64))
+#include <emmintrin.h>
+#define QNCL_SB_SSE2 1
+#endif
 
 namespace qn::text::charset::kernels {
 
@@ -89,12 +96,71 @@ inline void rewindPending(long at, char16_t& pending, long* inPos, long* outPos,
     *outPos = o;
 }
 
+// Block steps for decode that take nothing: the word loop of ASCII runs is used instead.
+struct NoBlocks {
+    static constexpr bool ENABLED = false;
+    void operator()(const unsigned char*, long&, long, char16_t*, long&, long) const {}
+};
+
+// Block steps of a decoding table whose bytes 0x00-0x7F map to themselves, and, with
+// latin1Upper, the bytes 0xA0-0xFF as well (code page 1252). Sixteen bytes are widened a step
+// and the lanes of the other bytes then looked up one by one, so text with a few letters
+// outside ASCII still goes a block at a time. A step stops at the first byte that maps to
+// nothing, leaving it for the per-byte loop; the units a step widened past that byte are
+// scratch in the caller's free room and are written again. Without SSE2 it takes nothing.
+struct TableBlocks {
+#ifdef QNCL_SB_SSE2
+    static constexpr bool ENABLED = true;
+#else
+    static constexpr bool ENABLED = false;
+#endif
+    const char16_t* table;
+    bool latin1Upper;
+
+    void operator()([[maybe_unused]] const unsigned char* bytes, [[maybe_unused]] long& i,
+                    [[maybe_unused]] long inEnd, [[maybe_unused]] char16_t* out,
+                    [[maybe_unused]] long& o, [[maybe_unused]] long outEnd) const {
+#ifdef QNCL_SB_SSE2
+        const long n = std::min(inEnd - i, outEnd - o);
+        const unsigned char* from = bytes + i;
+        char16_t* to = out + o;
+        const __m128i zero = _mm_setzero_si128();
+        // Signed bytes below this bound are the ones to look up: 0x80-0x9F, or all of
+        // 0x80-0xFF.
+        const __m128i bound = _mm_set1_epi8(static_cast<char>(latin1Upper ? 0xA0 : 0x00));
+        long k = 0;
+        for (; k + 16 <= n; k += 16) {
+            const __m128i block = _mm_loadu_si128(reinterpret_cast<const __m128i*>(from + k));
+            _mm_storeu_si128(reinterpret_cast<__m128i*>(to + k), _mm_unpacklo_epi8(block, zero));
+            _mm_storeu_si128(reinterpret_cast<__m128i*>(to + k + 8),
+                             _mm_unpackhi_epi8(block, zero));
+            auto lookUp = static_cast<unsigned>(_mm_movemask_epi8(_mm_cmplt_epi8(block, bound)));
+            while (lookUp != 0) {
+                const int lane = __builtin_ctz(lookUp);
+                const char16_t c = table[from[k + lane]];
+                if (c == 0xFFFD) {
+                    i += k + lane;
+                    o += k + lane;
+                    return;
+                }
+                to[k + lane] = c;
+                lookUp &= lookUp - 1;
+            }
+        }
+        i += k;
+        o += k;
+#endif
+    }
+};
+
 // Decodes bytes in[i..] into out[o..] while both remain; Map gives a byte's character, U+FFFD
 // when unmapped. ASCII_RUNS: bytes 0x00-0x7F map to themselves, so a word of eight of them is
-// widened without looking them up.
-template <bool ASCII_RUNS, class Map>
+// widened without looking them up, or blocks (see TableBlocks) take the text where they are
+// enabled.
+template <bool ASCII_RUNS, class Map, class Blocks = NoBlocks>
 long decode(const Map& map, const ByteSubstitution& substitution, const signed char* in,
-            long* inPos, long inEnd, char16_t* out, long* outPos, long outEnd) {
+            long* inPos, long inEnd, char16_t* out, long* outPos, long outEnd,
+            const Blocks& blocks = Blocks()) {
     const auto* bytes = reinterpret_cast<const unsigned char*>(in);
     long i = *inPos;
     long o = *outPos;
@@ -104,7 +170,9 @@ long decode(const Map& map, const ByteSubstitution& substitution, const signed c
         // run of ASCII gets back to the word loop; the first unmapped byte falls through to the
         // per-byte step below.
         while (i < inEnd && o < outEnd) {
-            if (ASCII_RUNS) {
+            if constexpr (Blocks::ENABLED) {
+                blocks(bytes, i, inEnd, out, o, outEnd);
+            } else if (ASCII_RUNS) {
                 // The run of whole ASCII words, widened in one loop the compiler vectorises.
                 const long limit = std::min(inEnd - i, outEnd - o);
                 long run = 0;

@@ -13,8 +13,10 @@ public:
     BTCSingleByteTable(const char16_t* name, const char16_t* table) noexcept;
     ~BTCSingleByteTable() override;
 
-    // The same results as BTCSingleByte::convert, reading the table directly and copying runs
-    // of ASCII a word at a time when the table maps them to themselves.
+    // The same results as BTCSingleByte::convert, reading the table directly. When the table
+    // maps ASCII to itself, sixteen bytes go a step (words of ASCII where SSE2 is absent) and
+    // only the other bytes are looked up; such a call may leave scratch units in the free room
+    // past the returned output position (never at or past outEnd).
     long convert(const signed char* in, long* inPos, long inEnd, char16_t* out, long* outPos,
                  long outEnd) override;
     const char16_t* getEncodingName() const override;
@@ -25,6 +27,8 @@ private:
     const char16_t* m_table;
     // True when bytes 0x00-0x7F map to U+0000-U+007F.
     bool m_asciiIdentity;
+    // True when bytes 0xA0-0xFF map to U+00A0-U+00FF as well (code page 1252).
+    bool m_latin1Identity;
 };
 
 } // namespace qn::text::charset
