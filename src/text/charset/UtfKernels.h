@@ -335,6 +335,15 @@ inline bool decodeUtf8Stretch(const uint8_t* in, long& i, long limit, long inEnd
     return true;
 }
 
+#if defined(QNCL_UTF_SSE2) && defined(__x86_64__)
+#define QNCL_UTF8_DECODE_BLOCKS 1
+// Utf8DecodeBlocks.cpp (in qncl6): the same work as the loop below, sixteen bytes of mixed text
+// at a time, on processors with SSSE3 and SSE4.1 (nothing elsewhere). It stops before a sequence
+// the fast form does not take, or within sixteen bytes of the input's end or sixteen units of
+// the output's end, and may use the output below outEnd as scratch past the units it writes.
+void decodeUtf8Blocks(const uint8_t* in, long& i, long inEnd, char16_t* out, long& o, long outEnd);
+#endif
+
 // The fast form's inner loop: stretch by stretch, takes ASCII (a block at a time where it can)
 // and well-formed sequences whose value needs neither substitution nor an exception, and leaves
 // everything else to the simple loop. The positions live in locals here: stores through the
@@ -343,6 +352,9 @@ inline void decodeUtf8Common(const uint8_t* in, long& inPos, long inEnd, char16_
                              long& outPos, long outEnd) {
     long i = inPos;
     long o = outPos;
+#ifdef QNCL_UTF8_DECODE_BLOCKS
+    decodeUtf8Blocks(in, i, inEnd, out, o, outEnd);
+#endif
     for (;;) {
         // A sequence writes no more units than it has bytes, so below limit every sequence is
         // readable in full and its result fits, with no other bound check.

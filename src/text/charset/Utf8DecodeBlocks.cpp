@@ -1,0 +1,424 @@
+// The block loop of the fast UTF-8 decoder on x86-64 processors with SSSE3 and SSE4.1 (chosen
+// once at run time; decodeUtf8Common calls decodeUtf8Blocks first and carries on from where it
+// stops).
+//
+// What it takes: sixteen bytes are loaded and checked at once (see blockFaults). A block whose
+// first thirteen bytes hold nothing the fast form would refuse is decoded a step at a time: the
+// ends of its sequences among the first twelve bytes index STEPS, which says how many bytes the
+// step takes and how pshufb moves them into lanes:
+//   - six sequences of one or two bytes into six 16-bit lanes (Latin-1, Cyrillic, Greek text);
+//   - else four sequences of one to three bytes into four 32-bit lanes (CJK, punctuation);
+//   - else three sequences of one to four bytes into three 32-bit lanes, which become one unit
+//     or a surrogate pair each (emoji).
+// All-ASCII blocks and runs of eight two-byte sequences take the SSE2 paths of UtfKernels.h.
+//
+// What it leaves: a block with a fault among its first thirteen bytes goes to the scalar
+// stretch for those bytes (which stops before the fault for the simple loop); the last sixteen
+// bytes of the input and the last sixteen units of the output go back to decodeUtf8Common.
+// The faults are the bytes and pairs the simple loop treats as anything but a well-formed
+// sequence, or whose value needs an exception or the substitution: stray continuation bytes,
+// leads cut short, C0, C1 and F5-FF, three-byte surrogates (ED A0-BF), four-byte forms with a
+// second byte the decoder refuses (0xB0-0xBF) or that give values below U+10000 (F0 80-8F, which
+// may be surrogates) or above U+10FFFF (F4 90-AF). Overlong three-byte forms (E0 80-9F) are not
+// faults: they decode to their small values here exactly as in the simple loop.
+//
+// A step may store up to sixteen bytes past the units it writes, always below outEnd; those
+// units are written again by the next step or left beyond the output position.
+#include "UtfKernels.h"
+
+#ifdef QNCL_UTF8_DECODE_BLOCKS
+
+#include <smmintrin.h>
+#include <tmmintrin.h>
+
+namespace qn::text::charset::utf {
+
+namespace {
+
+// Pattern numbers: 0-63 six sequences of one or two bytes (bit j: sequence j has two),
+// 64-144 four of one to three (base-3 digits: length - 1), 145-208 three of one to four
+// (two bits each: length - 1).
+constexpr int SHORT_PATTERNS = 64;
+constexpr int MEDIUM_PATTERNS = 81;
+constexpr int LONG_PATTERNS = 64;
+constexpr int MEDIUM_BASE = SHORT_PATTERNS;
+constexpr int LONG_BASE = SHORT_PATTERNS + MEDIUM_PATTERNS;
+constexpr int PATTERNS = LONG_BASE + LONG_PATTERNS;
+
+struct StepTable {
+    // By the twelve-bit mask of sequence ends (bit k: byte k ends one): the pattern number << 7
+    // | the bytes the step takes << 3 | the units it writes; 0 for masks that valid text never
+    // gives.
+    uint16_t step[4096];
+    // pshufb masks: each lane holds its sequence's last byte lowest, its lead highest; 0x80
+    // clears a byte.
+    alignas(16) uint8_t shuffle[PATTERNS][16];
+    // After a long step, by the mask of lanes that hold four-byte sequences: gathers each lane's
+    // one unit or two (a surrogate pair) into consecutive units.
+    alignas(16) uint8_t gather[8][16];
+    // By a mask of eight 16-bit lanes: moves the lanes kept to the front, in order.
+    alignas(16) uint8_t compress[256][16];
+
+    constexpr StepTable() : step(), shuffle(), gather(), compress() {
+        for (int p = 0; p < PATTERNS; ++p) {
+            int lengths[6] = {};
+            int count = 0, laneBytes = 0;
+            if (p < MEDIUM_BASE) {
+                count = 6, laneBytes = 2;
+                for (int j = 0; j < count; ++j)
+                    lengths[j] = 1 + ((p >> j) & 1);
+            } else if (p < LONG_BASE) {
+                count = 4, laneBytes = 4;
+                for (int j = 0, rest = p - MEDIUM_BASE; j < count; ++j, rest /= 3)
+                    lengths[j] = 1 + rest % 3;
+            } else {
+                count = 3, laneBytes = 4;
+                for (int j = 0; j < count; ++j)
+                    lengths[j] = 1 + (((p - LONG_BASE) >> (2 * j)) & 3);
+            }
+            for (int k = 0; k < 16; ++k)
+                shuffle[p][k] = 0x80;
+            for (int j = 0, at = 0; j < count; at += lengths[j++])
+                for (int b = 0; b < lengths[j]; ++b)
+                    shuffle[p][j * laneBytes + b] = static_cast<uint8_t>(at + lengths[j] - 1 - b);
+        }
+        for (int mask = 0; mask < 4096; ++mask)
+            step[mask] = stepFor(mask);
+        for (int keep = 0; keep < 256; ++keep) {
+            int to = 0;
+            for (int lane = 0; lane < 8; ++lane)
+                if ((keep >> lane) & 1) {
+                    compress[keep][to++] = static_cast<uint8_t>(2 * lane);
+                    compress[keep][to++] = static_cast<uint8_t>(2 * lane + 1);
+                }
+            while (to < 16)
+                compress[keep][to++] = 0x80;
+        }
+        for (int four = 0; four < 8; ++four) {
+            int to = 0;
+            for (int lane = 0; lane < 3; ++lane)
+                for (int b = 0; b < ((four >> lane) & 1 ? 4 : 2); ++b)
+                    gather[four][to++] = static_cast<uint8_t>(4 * lane + b);
+            while (to < 16)
+                gather[four][to++] = 0x80;
+        }
+    }
+
+    static constexpr uint16_t stepFor(int ends) {
+        int lengths[12] = {};
+        int count = 0;
+        for (int k = 0, start = 0; k < 12; ++k)
+            if ((ends >> k) & 1) {
+                lengths[count++] = k + 1 - start;
+                start = k + 1;
+            }
+        int pattern = 0, taken = 0, units = 0;
+        if (count >= 6 && fitsIn(lengths, 6, 2)) {
+            for (int j = 0; j < 6; ++j)
+                pattern |= (lengths[j] - 1) << j, taken += lengths[j];
+            units = 6;
+        } else if (count >= 4 && fitsIn(lengths, 4, 3)) {
+            for (int j = 3; j >= 0; --j)
+                pattern = pattern * 3 + lengths[j] - 1, taken += lengths[j];
+            pattern += MEDIUM_BASE;
+            units = 4;
+        } else if (count >= 3 && fitsIn(lengths, 3, 4)) {
+            for (int j = 0; j < 3; ++j)
+                pattern |= (lengths[j] - 1) << (2 * j), taken += lengths[j],
+                    units += lengths[j] == 4 ? 2 : 1;
+            pattern += LONG_BASE;
+        } else {
+            return 0;
+        }
+        return static_cast<uint16_t>(pattern << 7 | taken << 3 | units);
+    }
+
+    static constexpr bool fitsIn(const int* lengths, int count, int longest) {
+        for (int j = 0; j < count; ++j)
+            if (lengths[j] > longest)
+                return false;
+        return true;
+    }
+};
+
+constexpr StepTable STEPS{};
+
+#define QNCL_SSE41 __attribute__((target("ssse3,sse4.1,popcnt")))
+
+// One byte per position, nonzero where the block at bytes (read as if ASCII came before it) has
+// a fault; see the top of the file. Three nibble tables classify each pair of neighbours (the
+// bits below); the third and fourth bytes of long forms are checked against the leads two and
+// three bytes back.
+QNCL_SSE41 inline __m128i blockFaults(__m128i bytes, __m128i before) {
+    constexpr int8_t TOO_SHORT = 0x01;  // a lead, then no continuation
+    constexpr int8_t TOO_LONG = 0x02;   // ASCII, then a continuation
+    constexpr int8_t OVERLONG = 0x04;   // C0 or C1, then a continuation
+    constexpr int8_t SURROGATE = 0x08;  // ED, then A0-BF
+    constexpr int8_t FOUR_80 = 0x10;    // F0 or F5-FF, then 80-8F
+    constexpr int8_t FOUR_90 = 0x20;    // F4-FF, then 90-AF
+    constexpr int8_t FOUR_B0 = 0x40;    // F0-FF, then B0-BF
+    constexpr int8_t TWO_CONTS = -0x80; // a continuation, then another
+    constexpr int8_t FOUR = FOUR_80 | FOUR_90 | FOUR_B0;
+    constexpr int8_t CONT_NEXT = TOO_LONG | OVERLONG | TWO_CONTS;
+
+    const __m128i prev1 = _mm_alignr_epi8(bytes, before, 15);
+    const __m128i lowNibbles = _mm_set1_epi8(0x0F);
+    const __m128i prevHigh = _mm_and_si128(_mm_srli_epi16(prev1, 4), lowNibbles);
+    const __m128i prevLow = _mm_and_si128(prev1, lowNibbles);
+    const __m128i curHigh = _mm_and_si128(_mm_srli_epi16(bytes, 4), lowNibbles);
+    const __m128i byPrevHigh = _mm_shuffle_epi8(
+        _mm_setr_epi8(TOO_LONG, TOO_LONG, TOO_LONG, TOO_LONG, TOO_LONG, TOO_LONG, TOO_LONG,
+                      TOO_LONG, TWO_CONTS, TWO_CONTS, TWO_CONTS, TWO_CONTS, TOO_SHORT | OVERLONG,
+                      TOO_SHORT, TOO_SHORT | SURROGATE, TOO_SHORT | FOUR),
+        prevHigh);
+    constexpr int8_t ANY = TOO_SHORT | TOO_LONG | TWO_CONTS | FOUR_B0;
+    const __m128i byPrevLow = _mm_shuffle_epi8(
+        _mm_setr_epi8(ANY | OVERLONG | FOUR_80, ANY | OVERLONG, ANY, ANY, ANY | FOUR_90,
+                      ANY | FOUR_80 | FOUR_90, ANY | FOUR_80 | FOUR_90, ANY | FOUR_80 | FOUR_90,
+                      ANY | FOUR_80 | FOUR_90, ANY | FOUR_80 | FOUR_90, ANY | FOUR_80 | FOUR_90,
+                      ANY | FOUR_80 | FOUR_90, ANY | FOUR_80 | FOUR_90,
+                      ANY | SURROGATE | FOUR_80 | FOUR_90, ANY | FOUR_80 | FOUR_90,
+                      ANY | FOUR_80 | FOUR_90),
+        prevLow);
+    const __m128i byCurHigh = _mm_shuffle_epi8(
+        _mm_setr_epi8(TOO_SHORT, TOO_SHORT, TOO_SHORT, TOO_SHORT, TOO_SHORT, TOO_SHORT, TOO_SHORT,
+                      TOO_SHORT, CONT_NEXT | FOUR_80, CONT_NEXT | FOUR_90,
+                      CONT_NEXT | SURROGATE | FOUR_90, CONT_NEXT | SURROGATE | FOUR_B0, TOO_SHORT,
+                      TOO_SHORT, TOO_SHORT, TOO_SHORT),
+        curHigh);
+    const __m128i pairs = _mm_and_si128(_mm_and_si128(byPrevHigh, byPrevLow), byCurHigh);
+    // 0x80 where a continuation must come: two bytes after E0-FF, three after F0-FF. A
+    // continuation there is the one place TWO_CONTS is right; anywhere else it is a fault.
+    const __m128i third =
+        _mm_subs_epu8(_mm_alignr_epi8(bytes, before, 14), _mm_set1_epi8(0xE0 - 0x80));
+    const __m128i fourth =
+        _mm_subs_epu8(_mm_alignr_epi8(bytes, before, 13), _mm_set1_epi8(0xF0 - 0x80));
+    const __m128i mustContinue =
+        _mm_and_si128(_mm_or_si128(third, fourth), _mm_set1_epi8(TWO_CONTS));
+    return _mm_xor_si128(pairs, mustContinue);
+}
+
+// Six sequences of one or two bytes: the lead (if any) in each lane's high byte.
+QNCL_SSE41 inline void writeShort(__m128i lanes, char16_t* to) {
+    const __m128i low = _mm_and_si128(lanes, _mm_set1_epi16(0x7F));
+    const __m128i high = _mm_srli_epi16(_mm_and_si128(lanes, _mm_set1_epi16(0x1F00)), 2);
+    _mm_storeu_si128(reinterpret_cast<__m128i*>(to), _mm_or_si128(low, high));
+}
+
+// Four sequences of one to three bytes, each in a 32-bit lane; bits 7, 14-15 and 20-23 hold the
+// marker bits of the lead and continuation bytes.
+QNCL_SSE41 inline void writeMedium(__m128i lanes, char16_t* to) {
+    const __m128i bits = _mm_and_si128(lanes, _mm_set1_epi32(0x000F3F7F));
+    const __m128i units =
+        _mm_or_si128(_mm_or_si128(_mm_and_si128(bits, _mm_set1_epi32(0x7F)),
+                                  _mm_and_si128(_mm_srli_epi32(bits, 2), _mm_set1_epi32(0xFC0))),
+                     _mm_and_si128(_mm_srli_epi32(bits, 4), _mm_set1_epi32(0xF000)));
+    _mm_storel_epi64(reinterpret_cast<__m128i*>(to), _mm_packus_epi32(units, units));
+}
+
+// Three sequences of one to four bytes, as one unit or a surrogate pair each. A four-byte lead
+// makes its lane negative. A three-byte lead keeps one marker bit (0x20 << 12 after masking) that
+// only the 16-bit result of the shorter forms drops.
+QNCL_SSE41 inline void writeLong(__m128i lanes, char16_t* to) {
+    const __m128i bits = _mm_and_si128(lanes, _mm_set1_epi32(0x073F3F7F));
+    const __m128i value = _mm_or_si128(
+        _mm_or_si128(_mm_and_si128(bits, _mm_set1_epi32(0x7F)),
+                     _mm_and_si128(_mm_srli_epi32(bits, 2), _mm_set1_epi32(0xFC0))),
+        _mm_or_si128(_mm_and_si128(_mm_srli_epi32(bits, 4), _mm_set1_epi32(0x3F000)),
+                     _mm_and_si128(_mm_srli_epi32(bits, 6), _mm_set1_epi32(0x1C0000))));
+    const __m128i four = _mm_srai_epi32(lanes, 31);
+    const __m128i bmp = _mm_and_si128(value, _mm_set1_epi32(0xFFFF));
+    const __m128i plane = _mm_sub_epi32(value, _mm_set1_epi32(0x10000));
+    const __m128i pair =
+        _mm_or_si128(_mm_add_epi32(_mm_srli_epi32(plane, 10), _mm_set1_epi32(0xD800)),
+                     _mm_slli_epi32(_mm_add_epi32(_mm_and_si128(plane, _mm_set1_epi32(0x3FF)),
+                                                  _mm_set1_epi32(0xDC00)),
+                                    16));
+    const __m128i units = _mm_blendv_epi8(bmp, pair, four);
+    const int fours = _mm_movemask_ps(_mm_castsi128_ps(four)) & 7;
+    const __m128i gather = _mm_load_si128(reinterpret_cast<const __m128i*>(STEPS.gather[fours]));
+    _mm_storeu_si128(reinterpret_cast<__m128i*>(to), _mm_shuffle_epi8(units, gather));
+}
+
+// One bit per byte of the chunk of sixteen-byte blocks at from, lowest first.
+struct ChunkMasks {
+    uint64_t faults;
+    uint64_t starts;
+    uint64_t wide; // 0xE0-0xFF: leads of three- and four-byte forms (and faults)
+    uint64_t four; // 0xF0-0xFF: leads of four-byte forms (and faults)
+};
+
+QNCL_SSE41 inline uint64_t bitsOf(__m128i b0, __m128i b1, __m128i b2, __m128i b3) {
+    return static_cast<uint64_t>(static_cast<unsigned>(_mm_movemask_epi8(b0))) |
+           static_cast<uint64_t>(static_cast<unsigned>(_mm_movemask_epi8(b1))) << 16 |
+           static_cast<uint64_t>(static_cast<unsigned>(_mm_movemask_epi8(b2))) << 32 |
+           static_cast<uint64_t>(static_cast<unsigned>(_mm_movemask_epi8(b3))) << 48;
+}
+
+QNCL_SSE41 inline ChunkMasks chunkMasks(const __m128i (&v)[4]) {
+    const __m128i zero = _mm_setzero_si128();
+    const __m128i f0 = _mm_cmpeq_epi8(blockFaults(v[0], zero), zero);
+    const __m128i f1 = _mm_cmpeq_epi8(blockFaults(v[1], v[0]), zero);
+    const __m128i f2 = _mm_cmpeq_epi8(blockFaults(v[2], v[1]), zero);
+    const __m128i f3 = _mm_cmpeq_epi8(blockFaults(v[3], v[2]), zero);
+    // Continuation bytes are -128..-65 as signed bytes; every other byte starts a sequence.
+    const __m128i cont = _mm_set1_epi8(-64);
+    const __m128i wide = _mm_set1_epi8(-33);
+    const __m128i four = _mm_set1_epi8(-17);
+    const uint64_t high = bitsOf(v[0], v[1], v[2], v[3]);
+    return {~bitsOf(f0, f1, f2, f3),
+            ~bitsOf(_mm_cmplt_epi8(v[0], cont), _mm_cmplt_epi8(v[1], cont),
+                    _mm_cmplt_epi8(v[2], cont), _mm_cmplt_epi8(v[3], cont)),
+            bitsOf(_mm_cmpgt_epi8(v[0], wide), _mm_cmpgt_epi8(v[1], wide),
+                   _mm_cmpgt_epi8(v[2], wide), _mm_cmpgt_epi8(v[3], wide)) &
+                high,
+            bitsOf(_mm_cmpgt_epi8(v[0], four), _mm_cmpgt_epi8(v[1], four),
+                   _mm_cmpgt_epi8(v[2], four), _mm_cmpgt_epi8(v[3], four)) &
+                high};
+}
+
+// Candidate units, one per byte of a block: pairs holds each byte high and its follower low
+// (negative for a lead), thirds the byte after that (zero-extended; only with Three). A lane's
+// unit is right when its byte starts a sequence of one or two bytes (or three, with Three).
+template <bool Three> QNCL_SSE41 inline __m128i unitsOf(__m128i pairs, __m128i thirds) {
+    const __m128i one = _mm_srli_epi16(pairs, 8);
+    __m128i multi = _mm_or_si128(_mm_srli_epi16(_mm_and_si128(pairs, _mm_set1_epi16(0x1F00)), 2),
+                                 _mm_and_si128(pairs, _mm_set1_epi16(0x3F)));
+    if constexpr (Three) {
+        const __m128i three = _mm_or_si128(
+            _mm_or_si128(_mm_slli_epi16(_mm_and_si128(pairs, _mm_set1_epi16(0x0F00)), 4),
+                         _mm_slli_epi16(_mm_and_si128(pairs, _mm_set1_epi16(0x3F)), 6)),
+            _mm_and_si128(thirds, _mm_set1_epi16(0x3F)));
+        // Leads 0xE0 and up are above 0xDFFF (as signed lanes, above -8193).
+        multi = _mm_blendv_epi8(multi, three,
+                                _mm_cmpgt_epi16(pairs, _mm_set1_epi16(static_cast<short>(0xDFFF))));
+    }
+    return _mm_blendv_epi8(one, multi, _mm_srai_epi16(pairs, 15));
+}
+
+// Sixteen bytes of sequences of one to two bytes (to three with Three) at from: the units of
+// the sequences that start in keep (a bit per byte), in order. Every byte gets a candidate unit;
+// the lanes of continuation bytes, and of a last sequence that goes on past the block, are
+// dropped.
+template <bool Three>
+QNCL_SSE41 inline void writeCompressed(const uint8_t* from, __m128i bytes, unsigned keep,
+                                       char16_t* to) {
+    const __m128i next = _mm_loadu_si128(reinterpret_cast<const __m128i*>(from + 1));
+    __m128i thirdsLow = next, thirdsHigh = next;
+    if constexpr (Three) {
+        const __m128i after = _mm_loadu_si128(reinterpret_cast<const __m128i*>(from + 2));
+        thirdsLow = _mm_unpacklo_epi8(after, _mm_setzero_si128());
+        thirdsHigh = _mm_unpackhi_epi8(after, _mm_setzero_si128());
+    }
+    const unsigned low = keep & 0xFFu;
+    const unsigned high = keep >> 8;
+    _mm_storeu_si128(
+        reinterpret_cast<__m128i*>(to),
+        _mm_shuffle_epi8(unitsOf<Three>(_mm_unpacklo_epi8(next, bytes), thirdsLow),
+                         _mm_load_si128(reinterpret_cast<const __m128i*>(STEPS.compress[low]))));
+    _mm_storeu_si128(
+        reinterpret_cast<__m128i*>(to + __builtin_popcount(low)),
+        _mm_shuffle_epi8(unitsOf<Three>(_mm_unpackhi_epi8(next, bytes), thirdsHigh),
+                         _mm_load_si128(reinterpret_cast<const __m128i*>(STEPS.compress[high]))));
+}
+
+// Chunks of 64 bytes are checked at once; then steps walk the chunk's masks, each step starting
+// at a sequence's first byte k and needing bytes k..k+12 free of faults (the ends of sequences
+// among k..k+11 need to know whether byte k+12 starts one). The walk carries only k from step to
+// step, through the masks and STEPS: the loads and the arithmetic of a step are off that path.
+// A step loads sixteen bytes at k <= 51 and the walk ends by k = 67; a step writes at most
+// sixteen units and units never outnumber bytes; so with 96 bytes of input and 96 units of
+// output the chunk and then the stretch after it (sixteen of each) stay inside both buffers.
+QNCL_SSE41 void decodeBlocks(const uint8_t* in, long& inPos, long inEnd, char16_t* out,
+                             long& outPos, long outEnd) {
+    constexpr long CHUNK = 64;
+    constexpr long ROOM = CHUNK + 32;
+    long i = inPos;
+    long o = outPos;
+    while (inEnd - i >= ROOM && outEnd - o >= ROOM) {
+        const uint8_t* from = in + i;
+        const __m128i v[4] = {_mm_loadu_si128(reinterpret_cast<const __m128i*>(from)),
+                              _mm_loadu_si128(reinterpret_cast<const __m128i*>(from + 16)),
+                              _mm_loadu_si128(reinterpret_cast<const __m128i*>(from + 32)),
+                              _mm_loadu_si128(reinterpret_cast<const __m128i*>(from + 48))};
+        if (_mm_movemask_epi8(_mm_or_si128(_mm_or_si128(v[0], v[1]), _mm_or_si128(v[2], v[3]))) ==
+            0) {
+            widenAscii(in, i, inEnd, out, o, outEnd);
+            continue;
+        }
+        const ChunkMasks masks = chunkMasks(v);
+        long usable = masks.faults == 0 ? CHUNK : __builtin_ctzll(masks.faults);
+        long k = 0;
+        char16_t* to = out + o;
+        while (k + 13 <= usable) {
+            const __m128i bytes = _mm_loadu_si128(reinterpret_cast<const __m128i*>(from + k));
+            // Sixteen bytes without four-byte forms, when the masks know byte k + 16 and it is
+            // free of faults: the step takes the sequences that end within the block.
+            if (k <= CHUNK - 17 && k + 17 <= usable && ((masks.four >> k) & 0xFFFFu) == 0) {
+                const unsigned ends = static_cast<unsigned>(masks.starts >> (k + 1)) & 0xFFFFu;
+                const unsigned taken = 32 - __builtin_clz(ends);
+                const unsigned keep =
+                    static_cast<unsigned>(masks.starts >> k) & ((1u << taken) - 1);
+                if (((masks.wide >> k) & 0xFFFFu) == 0)
+                    writeCompressed<false>(from + k, bytes, keep, to);
+                else
+                    writeCompressed<true>(from + k, bytes, keep, to);
+                k += taken;
+                to += __builtin_popcount(keep);
+                continue;
+            }
+            const unsigned ends = static_cast<unsigned>(masks.starts >> (k + 1)) & 0xFFFu;
+            if (ends == 0xAAAu) {
+                const int taken = decodeTwoByteBlock(from + k, to);
+                if (taken != 0) {
+                    k += 2 * taken;
+                    to += taken;
+                    continue;
+                }
+            }
+            const unsigned step = STEPS.step[ends];
+            if (step == 0) {
+                // Checked text never gets here; should it, the stretch decides.
+                usable = k;
+                break;
+            }
+            const unsigned pattern = step >> 7;
+            const __m128i lanes = _mm_shuffle_epi8(
+                bytes, _mm_load_si128(reinterpret_cast<const __m128i*>(STEPS.shuffle[pattern])));
+            if (pattern < MEDIUM_BASE)
+                writeShort(lanes, to);
+            else if (pattern < LONG_BASE)
+                writeMedium(lanes, to);
+            else
+                writeLong(lanes, to);
+            k += (step >> 3) & 0xFu;
+            to += step & 7u;
+        }
+        i += k;
+        o = to - out;
+        // A fault stopped the walk: the stretch takes the sequences before it, stops before it
+        // for the simple loop, or finds that it was past the next step after all.
+        if (usable < CHUNK && !decodeUtf8Stretch(in, i, i + 13, inEnd, out, o))
+            break;
+    }
+    inPos = i;
+    outPos = o;
+}
+
+bool cpuHasBlocks() {
+    __builtin_cpu_init();
+    return __builtin_cpu_supports("ssse3") && __builtin_cpu_supports("sse4.1") &&
+           __builtin_cpu_supports("popcnt");
+}
+
+} // namespace
+
+void decodeUtf8Blocks(const uint8_t* in, long& i, long inEnd, char16_t* out, long& o, long outEnd) {
+    static const bool usable = cpuHasBlocks();
+    if (usable)
+        decodeBlocks(in, i, inEnd, out, o, outEnd);
+}
+
+} // namespace qn::text::charset::utf
+
+#endif
