@@ -240,13 +240,7 @@ QNCL_SSE41 inline void writeLong(__m128i lanes, char16_t* to) {
     _mm_storeu_si128(reinterpret_cast<__m128i*>(to), _mm_shuffle_epi8(units, gather));
 }
 
-// One bit per byte of the chunk of sixteen-byte blocks at from, lowest first.
-struct ChunkMasks {
-    uint64_t faults;
-    uint64_t starts;
-    uint64_t wide; // 0xE0-0xFF: leads of three- and four-byte forms (and faults)
-    uint64_t four; // 0xF0-0xFF: leads of four-byte forms (and faults)
-};
+constexpr long CHUNK = 64;
 
 QNCL_SSE41 inline uint64_t bitsOf(__m128i b0, __m128i b1, __m128i b2, __m128i b3) {
     return static_cast<uint64_t>(static_cast<unsigned>(_mm_movemask_epi8(b0))) |
@@ -255,26 +249,53 @@ QNCL_SSE41 inline uint64_t bitsOf(__m128i b0, __m128i b1, __m128i b2, __m128i b3
            static_cast<uint64_t>(static_cast<unsigned>(_mm_movemask_epi8(b3))) << 48;
 }
 
-QNCL_SSE41 inline ChunkMasks chunkMasks(const __m128i (&v)[4]) {
+// A chunk's bits, one per byte, lowest first: where sequences start (every byte but the
+// continuation bytes), and how far the walk may go (the first fault, or CHUNK).
+struct ChunkMasks {
+    uint64_t starts;
+    long usable;
+};
+
+// For chunks without bytes 0xE0-0xFF: ASCII, continuation bytes and leads 0xC0-0xDF only. Then
+// the faults are a continuation byte that does not follow a lead, a lead not followed by one,
+// and C0 or C1 (at its own position).
+QNCL_SSE41 inline ChunkMasks narrowMasks(const __m128i (&v)[4]) {
+    const __m128i belowLeads = _mm_set1_epi8(-65);
+    const uint64_t nonAscii = bitsOf(v[0], v[1], v[2], v[3]);
+    const uint64_t leads =
+        bitsOf(_mm_cmpgt_epi8(v[0], belowLeads), _mm_cmpgt_epi8(v[1], belowLeads),
+               _mm_cmpgt_epi8(v[2], belowLeads), _mm_cmpgt_epi8(v[3], belowLeads)) &
+        nonAscii;
+    const uint64_t conts = nonAscii & ~leads;
+    uint64_t faults = conts ^ (leads << 1);
+    const __m128i even = _mm_set1_epi8(static_cast<char>(0xFE));
+    const __m128i c0 = _mm_set1_epi8(static_cast<char>(0xC0));
+    const __m128i overlong[4] = {_mm_cmpeq_epi8(_mm_and_si128(v[0], even), c0),
+                                 _mm_cmpeq_epi8(_mm_and_si128(v[1], even), c0),
+                                 _mm_cmpeq_epi8(_mm_and_si128(v[2], even), c0),
+                                 _mm_cmpeq_epi8(_mm_and_si128(v[3], even), c0)};
+    const __m128i any = _mm_or_si128(_mm_or_si128(overlong[0], overlong[1]),
+                                     _mm_or_si128(overlong[2], overlong[3]));
+    if (!_mm_testz_si128(any, any))
+        faults |= bitsOf(overlong[0], overlong[1], overlong[2], overlong[3]);
+    return {~conts, faults == 0 ? CHUNK : __builtin_ctzll(faults)};
+}
+
+// For any chunk: blockFaults over its four blocks.
+QNCL_SSE41 inline ChunkMasks fullMasks(const __m128i (&v)[4]) {
     const __m128i zero = _mm_setzero_si128();
-    const __m128i f0 = _mm_cmpeq_epi8(blockFaults(v[0], zero), zero);
-    const __m128i f1 = _mm_cmpeq_epi8(blockFaults(v[1], v[0]), zero);
-    const __m128i f2 = _mm_cmpeq_epi8(blockFaults(v[2], v[1]), zero);
-    const __m128i f3 = _mm_cmpeq_epi8(blockFaults(v[3], v[2]), zero);
+    const __m128i f[4] = {blockFaults(v[0], zero), blockFaults(v[1], v[0]), blockFaults(v[2], v[1]),
+                          blockFaults(v[3], v[2])};
     // Continuation bytes are -128..-65 as signed bytes; every other byte starts a sequence.
     const __m128i cont = _mm_set1_epi8(-64);
-    const __m128i wide = _mm_set1_epi8(-33);
-    const __m128i four = _mm_set1_epi8(-17);
-    const uint64_t high = bitsOf(v[0], v[1], v[2], v[3]);
-    return {~bitsOf(f0, f1, f2, f3),
-            ~bitsOf(_mm_cmplt_epi8(v[0], cont), _mm_cmplt_epi8(v[1], cont),
-                    _mm_cmplt_epi8(v[2], cont), _mm_cmplt_epi8(v[3], cont)),
-            bitsOf(_mm_cmpgt_epi8(v[0], wide), _mm_cmpgt_epi8(v[1], wide),
-                   _mm_cmpgt_epi8(v[2], wide), _mm_cmpgt_epi8(v[3], wide)) &
-                high,
-            bitsOf(_mm_cmpgt_epi8(v[0], four), _mm_cmpgt_epi8(v[1], four),
-                   _mm_cmpgt_epi8(v[2], four), _mm_cmpgt_epi8(v[3], four)) &
-                high};
+    const uint64_t starts = ~bitsOf(_mm_cmplt_epi8(v[0], cont), _mm_cmplt_epi8(v[1], cont),
+                                    _mm_cmplt_epi8(v[2], cont), _mm_cmplt_epi8(v[3], cont));
+    const __m128i any = _mm_or_si128(_mm_or_si128(f[0], f[1]), _mm_or_si128(f[2], f[3]));
+    if (_mm_testz_si128(any, any))
+        return {starts, CHUNK};
+    const uint64_t clean = bitsOf(_mm_cmpeq_epi8(f[0], zero), _mm_cmpeq_epi8(f[1], zero),
+                                  _mm_cmpeq_epi8(f[2], zero), _mm_cmpeq_epi8(f[3], zero));
+    return {starts, __builtin_ctzll(~clean)};
 }
 
 // Candidate units, one per byte of a block: pairs holds each byte high and its follower low
@@ -322,16 +343,55 @@ QNCL_SSE41 inline void writeCompressed(const uint8_t* from, __m128i bytes, unsig
                          _mm_load_si128(reinterpret_cast<const __m128i*>(STEPS.compress[high]))));
 }
 
-// Chunks of 64 bytes are checked at once; then steps walk the chunk's masks, each step starting
-// at a sequence's first byte k and needing bytes k..k+12 free of faults (the ends of sequences
-// among k..k+11 need to know whether byte k+12 starts one). The walk carries only k from step to
-// step, through the masks and STEPS: the loads and the arithmetic of a step are off that path.
-// A step loads sixteen bytes at k <= 51 and the walk ends by k = 67; a step writes at most
-// sixteen units and units never outnumber bytes; so with 96 bytes of input and 96 units of
-// output the chunk and then the stretch after it (sixteen of each) stay inside both buffers.
+// The walk over a chunk from k: steps of sixteen bytes while the masks know the byte after the
+// block (k + 16 < CHUNK) and bytes k..k+16 are free of faults; each takes the sequences that end
+// within the block. With Three, blocks may hold three-byte forms, and a block with a four-byte
+// lead (a bit in four) goes through STEPS instead, as do the last few bytes of the chunk.
+template <bool Three>
+QNCL_SSE41 inline long walkChunk(const uint8_t* from, const ChunkMasks& masks, uint64_t four,
+                                 char16_t*& to) {
+    long k = 0;
+    while (k + 17 <= masks.usable) {
+        const __m128i bytes = _mm_loadu_si128(reinterpret_cast<const __m128i*>(from + k));
+        if (k <= CHUNK - 17 && (!Three || ((four >> k) & 0xFFFFu) == 0)) {
+            const unsigned ends = static_cast<unsigned>(masks.starts >> (k + 1)) & 0xFFFFu;
+            const unsigned taken = 32 - __builtin_clz(ends);
+            const unsigned keep = static_cast<unsigned>(masks.starts >> k) & ((1u << taken) - 1);
+            writeCompressed<Three>(from + k, bytes, keep, to);
+            k += taken;
+            to += __builtin_popcount(keep);
+            continue;
+        }
+        if (!Three)
+            break;
+        // Steps through STEPS need bytes k..k+12 free of faults and known.
+        const unsigned step = STEPS.step[static_cast<unsigned>(masks.starts >> (k + 1)) & 0xFFFu];
+        if (step == 0)
+            break; // checked text never gets here; should it, the stretch decides
+        const unsigned pattern = step >> 7;
+        const __m128i lanes = _mm_shuffle_epi8(
+            bytes, _mm_load_si128(reinterpret_cast<const __m128i*>(STEPS.shuffle[pattern])));
+        if (pattern < MEDIUM_BASE)
+            writeShort(lanes, to);
+        else if (pattern < LONG_BASE)
+            writeMedium(lanes, to);
+        else
+            writeLong(lanes, to);
+        k += (step >> 3) & 0xFu;
+        to += step & 7u;
+    }
+    return k;
+}
+
+// Chunks of 64 bytes are checked at once, then walked (see walkChunk); the next chunk starts
+// where the walk ended. The walk carries only k from step to step, through the masks (and
+// STEPS): the loads and the arithmetic of a step are off that path. A step loads at most 18
+// bytes from k <= 51 and the walk ends by k = 64 (a step never takes more than sixteen); a step
+// stores at most sixteen units and units never outnumber bytes; so with 96 bytes of input and
+// 96 units of output the chunk and then the stretch after it (sixteen of each) stay inside both
+// buffers.
 QNCL_SSE41 void decodeBlocks(const uint8_t* in, long& inPos, long inEnd, char16_t* out,
                              long& outPos, long outEnd) {
-    constexpr long CHUNK = 64;
     constexpr long ROOM = CHUNK + 32;
     long i = inPos;
     long o = outPos;
@@ -341,64 +401,31 @@ QNCL_SSE41 void decodeBlocks(const uint8_t* in, long& inPos, long inEnd, char16_
                               _mm_loadu_si128(reinterpret_cast<const __m128i*>(from + 16)),
                               _mm_loadu_si128(reinterpret_cast<const __m128i*>(from + 32)),
                               _mm_loadu_si128(reinterpret_cast<const __m128i*>(from + 48))};
-        if (_mm_movemask_epi8(_mm_or_si128(_mm_or_si128(v[0], v[1]), _mm_or_si128(v[2], v[3]))) ==
-            0) {
+        const __m128i top = _mm_max_epu8(_mm_max_epu8(v[0], v[1]), _mm_max_epu8(v[2], v[3]));
+        if (_mm_movemask_epi8(top) == 0) {
             widenAscii(in, i, inEnd, out, o, outEnd);
             continue;
         }
-        const ChunkMasks masks = chunkMasks(v);
-        long usable = masks.faults == 0 ? CHUNK : __builtin_ctzll(masks.faults);
-        long k = 0;
         char16_t* to = out + o;
-        while (k + 13 <= usable) {
-            const __m128i bytes = _mm_loadu_si128(reinterpret_cast<const __m128i*>(from + k));
-            // Sixteen bytes without four-byte forms, when the masks know byte k + 16 and it is
-            // free of faults: the step takes the sequences that end within the block.
-            if (k <= CHUNK - 17 && k + 17 <= usable && ((masks.four >> k) & 0xFFFFu) == 0) {
-                const unsigned ends = static_cast<unsigned>(masks.starts >> (k + 1)) & 0xFFFFu;
-                const unsigned taken = 32 - __builtin_clz(ends);
-                const unsigned keep =
-                    static_cast<unsigned>(masks.starts >> k) & ((1u << taken) - 1);
-                if (((masks.wide >> k) & 0xFFFFu) == 0)
-                    writeCompressed<false>(from + k, bytes, keep, to);
-                else
-                    writeCompressed<true>(from + k, bytes, keep, to);
-                k += taken;
-                to += __builtin_popcount(keep);
-                continue;
-            }
-            const unsigned ends = static_cast<unsigned>(masks.starts >> (k + 1)) & 0xFFFu;
-            if (ends == 0xAAAu) {
-                const int taken = decodeTwoByteBlock(from + k, to);
-                if (taken != 0) {
-                    k += 2 * taken;
-                    to += taken;
-                    continue;
-                }
-            }
-            const unsigned step = STEPS.step[ends];
-            if (step == 0) {
-                // Checked text never gets here; should it, the stretch decides.
-                usable = k;
-                break;
-            }
-            const unsigned pattern = step >> 7;
-            const __m128i lanes = _mm_shuffle_epi8(
-                bytes, _mm_load_si128(reinterpret_cast<const __m128i*>(STEPS.shuffle[pattern])));
-            if (pattern < MEDIUM_BASE)
-                writeShort(lanes, to);
-            else if (pattern < LONG_BASE)
-                writeMedium(lanes, to);
-            else
-                writeLong(lanes, to);
-            k += (step >> 3) & 0xFu;
-            to += step & 7u;
+        long k;
+        ChunkMasks masks;
+        // Bytes from 0xE0 (0xF0) up are those still 0x80 or more less 0x60 (0x70).
+        if (_mm_movemask_epi8(_mm_subs_epu8(top, _mm_set1_epi8(0x60))) == 0) {
+            masks = narrowMasks(v);
+            k = walkChunk<false>(from, masks, 0, to);
+        } else {
+            masks = fullMasks(v);
+            const __m128i fours = _mm_set1_epi8(0x70);
+            k = walkChunk<true>(from, masks,
+                                bitsOf(_mm_subs_epu8(v[0], fours), _mm_subs_epu8(v[1], fours),
+                                       _mm_subs_epu8(v[2], fours), _mm_subs_epu8(v[3], fours)),
+                                to);
         }
         i += k;
         o = to - out;
         // A fault stopped the walk: the stretch takes the sequences before it, stops before it
-        // for the simple loop, or finds that it was past the next step after all.
-        if (usable < CHUNK && !decodeUtf8Stretch(in, i, i + 13, inEnd, out, o))
+        // for the simple loop, or goes past it when it was not in a sequence of its own.
+        if (masks.usable < CHUNK && !decodeUtf8Stretch(in, i, i + 13, inEnd, out, o))
             break;
     }
     inPos = i;
