@@ -8,8 +8,8 @@
 // step takes and how pshufb moves them into lanes:
 //   - six sequences of one or two bytes into six 16-bit lanes (Latin-1, Cyrillic, Greek text);
 //   - else four sequences of one to three bytes into four 32-bit lanes (CJK, punctuation);
-//   - else three sequences of one to four bytes into three 32-bit lanes, which become one unit
-//     or a surrogate pair each (emoji).
+//   - else four (or three) sequences of one to four bytes into 32-bit lanes, which become one
+//     unit or a surrogate pair each (emoji).
 // All-ASCII blocks and runs of eight two-byte sequences take the SSE2 paths of UtfKernels.h.
 //
 // What it leaves: a block with a fault among its first thirteen bytes goes to the scalar
@@ -36,26 +36,26 @@ namespace qn::text::charset::utf {
 namespace {
 
 // Pattern numbers: 0-63 six sequences of one or two bytes (bit j: sequence j has two),
-// 64-144 four of one to three (base-3 digits: length - 1), 145-208 three of one to four
-// (two bits each: length - 1).
+// 64-144 four of one to three (base-3 digits: length - 1), 145-400 four of one to four (two
+// bits each: length - 1; a step that takes three of them leaves the fourth lane as scratch).
 constexpr int SHORT_PATTERNS = 64;
 constexpr int MEDIUM_PATTERNS = 81;
-constexpr int LONG_PATTERNS = 64;
+constexpr int LONG_PATTERNS = 256;
 constexpr int MEDIUM_BASE = SHORT_PATTERNS;
 constexpr int LONG_BASE = SHORT_PATTERNS + MEDIUM_PATTERNS;
 constexpr int PATTERNS = LONG_BASE + LONG_PATTERNS;
 
 struct StepTable {
     // By the twelve-bit mask of sequence ends (bit k: byte k ends one): the pattern number << 7
-    // | the bytes the step takes << 3 | the units it writes; 0 for masks that valid text never
-    // gives.
+    // | the bytes the step takes << 3 | the units it writes less one; 0 for masks that valid
+    // text never gives.
     uint16_t step[4096];
     // pshufb masks: each lane holds its sequence's last byte lowest, its lead highest; 0x80
     // clears a byte.
     alignas(16) uint8_t shuffle[PATTERNS][16];
     // After a long step, by the mask of lanes that hold four-byte sequences: gathers each lane's
     // one unit or two (a surrogate pair) into consecutive units.
-    alignas(16) uint8_t gather[8][16];
+    alignas(16) uint8_t gather[16][16];
     // By a mask of eight 16-bit lanes: moves the lanes kept to the front, in order.
     alignas(16) uint8_t compress[256][16];
 
@@ -72,7 +72,7 @@ struct StepTable {
                 for (int j = 0, rest = p - MEDIUM_BASE; j < count; ++j, rest /= 3)
                     lengths[j] = 1 + rest % 3;
             } else {
-                count = 3, laneBytes = 4;
+                count = 4, laneBytes = 4;
                 for (int j = 0; j < count; ++j)
                     lengths[j] = 1 + (((p - LONG_BASE) >> (2 * j)) & 3);
             }
@@ -94,9 +94,9 @@ struct StepTable {
             while (to < 16)
                 compress[keep][to++] = 0x80;
         }
-        for (int four = 0; four < 8; ++four) {
+        for (int four = 0; four < 16; ++four) {
             int to = 0;
-            for (int lane = 0; lane < 3; ++lane)
+            for (int lane = 0; lane < 4; ++lane)
                 for (int b = 0; b < ((four >> lane) & 1 ? 4 : 2); ++b)
                     gather[four][to++] = static_cast<uint8_t>(4 * lane + b);
             while (to < 16)
@@ -123,14 +123,15 @@ struct StepTable {
             pattern += MEDIUM_BASE;
             units = 4;
         } else if (count >= 3 && fitsIn(lengths, 3, 4)) {
-            for (int j = 0; j < 3; ++j)
+            const int sequences = count >= 4 && fitsIn(lengths, 4, 4) ? 4 : 3;
+            for (int j = 0; j < sequences; ++j)
                 pattern |= (lengths[j] - 1) << (2 * j), taken += lengths[j],
                     units += lengths[j] == 4 ? 2 : 1;
             pattern += LONG_BASE;
         } else {
             return 0;
         }
-        return static_cast<uint16_t>(pattern << 7 | taken << 3 | units);
+        return static_cast<uint16_t>(pattern << 7 | taken << 3 | (units - 1));
     }
 
     static constexpr bool fitsIn(const int* lengths, int count, int longest) {
@@ -149,7 +150,7 @@ constexpr StepTable STEPS{};
 // a fault; see the top of the file. Three nibble tables classify each pair of neighbours (the
 // bits below); the third and fourth bytes of long forms are checked against the leads two and
 // three bytes back.
-QNCL_SSE41 inline __m128i blockFaults(__m128i bytes, __m128i before) {
+template <bool Four> QNCL_SSE41 inline __m128i blockFaults(__m128i bytes, __m128i before) {
     constexpr int8_t TOO_SHORT = 0x01;  // a lead, then no continuation
     constexpr int8_t TOO_LONG = 0x02;   // ASCII, then a continuation
     constexpr int8_t OVERLONG = 0x04;   // C0 or C1, then a continuation
@@ -191,10 +192,11 @@ QNCL_SSE41 inline __m128i blockFaults(__m128i bytes, __m128i before) {
     // continuation there is the one place TWO_CONTS is right; anywhere else it is a fault.
     const __m128i third =
         _mm_subs_epu8(_mm_alignr_epi8(bytes, before, 14), _mm_set1_epi8(0xE0 - 0x80));
-    const __m128i fourth =
-        _mm_subs_epu8(_mm_alignr_epi8(bytes, before, 13), _mm_set1_epi8(0xF0 - 0x80));
-    const __m128i mustContinue =
-        _mm_and_si128(_mm_or_si128(third, fourth), _mm_set1_epi8(TWO_CONTS));
+    __m128i mustContinue = third;
+    if constexpr (Four)
+        mustContinue = _mm_or_si128(
+            third, _mm_subs_epu8(_mm_alignr_epi8(bytes, before, 13), _mm_set1_epi8(0xF0 - 0x80)));
+    mustContinue = _mm_and_si128(mustContinue, _mm_set1_epi8(TWO_CONTS));
     return _mm_xor_si128(pairs, mustContinue);
 }
 
@@ -216,7 +218,7 @@ QNCL_SSE41 inline void writeMedium(__m128i lanes, char16_t* to) {
     _mm_storel_epi64(reinterpret_cast<__m128i*>(to), _mm_packus_epi32(units, units));
 }
 
-// Three sequences of one to four bytes, as one unit or a surrogate pair each. A four-byte lead
+// Four sequences of one to four bytes, as one unit or a surrogate pair each. A four-byte lead
 // makes its lane negative. A three-byte lead keeps one marker bit (0x20 << 12 after masking) that
 // only the 16-bit result of the shorter forms drops.
 QNCL_SSE41 inline void writeLong(__m128i lanes, char16_t* to) {
@@ -235,7 +237,7 @@ QNCL_SSE41 inline void writeLong(__m128i lanes, char16_t* to) {
                                                   _mm_set1_epi32(0xDC00)),
                                     16));
     const __m128i units = _mm_blendv_epi8(bmp, pair, four);
-    const int fours = _mm_movemask_ps(_mm_castsi128_ps(four)) & 7;
+    const int fours = _mm_movemask_ps(_mm_castsi128_ps(four));
     const __m128i gather = _mm_load_si128(reinterpret_cast<const __m128i*>(STEPS.gather[fours]));
     _mm_storeu_si128(reinterpret_cast<__m128i*>(to), _mm_shuffle_epi8(units, gather));
 }
@@ -281,11 +283,11 @@ QNCL_SSE41 inline ChunkMasks narrowMasks(const __m128i (&v)[4]) {
     return {~conts, faults == 0 ? CHUNK : __builtin_ctzll(faults)};
 }
 
-// For any chunk: blockFaults over its four blocks.
-QNCL_SSE41 inline ChunkMasks fullMasks(const __m128i (&v)[4]) {
+// For any chunk (Four: one that may hold bytes 0xF0-0xFF): blockFaults over its four blocks.
+template <bool Four> QNCL_SSE41 inline ChunkMasks fullMasks(const __m128i (&v)[4]) {
     const __m128i zero = _mm_setzero_si128();
-    const __m128i f[4] = {blockFaults(v[0], zero), blockFaults(v[1], v[0]), blockFaults(v[2], v[1]),
-                          blockFaults(v[3], v[2])};
+    const __m128i f[4] = {blockFaults<Four>(v[0], zero), blockFaults<Four>(v[1], v[0]),
+                          blockFaults<Four>(v[2], v[1]), blockFaults<Four>(v[3], v[2])};
     // Continuation bytes are -128..-65 as signed bytes; every other byte starts a sequence.
     const __m128i cont = _mm_set1_epi8(-64);
     const uint64_t starts = ~bitsOf(_mm_cmplt_epi8(v[0], cont), _mm_cmplt_epi8(v[1], cont),
@@ -299,22 +301,19 @@ QNCL_SSE41 inline ChunkMasks fullMasks(const __m128i (&v)[4]) {
 }
 
 // Candidate units, one per byte of a block: pairs holds each byte high and its follower low
-// (negative for a lead), thirds the byte after that (zero-extended; only with Three). A lane's
+// (negative for a lead), thirds the payload of the byte after that (only with Three). A lane's
 // unit is right when its byte starts a sequence of one or two bytes (or three, with Three).
+// Masking a lead with 0x1F keeps the payload of two- and three-byte leads alike (the bit under
+// 0x10 of 1110xxxx is its 0).
 template <bool Three> QNCL_SSE41 inline __m128i unitsOf(__m128i pairs, __m128i thirds) {
-    const __m128i one = _mm_srli_epi16(pairs, 8);
     __m128i multi = _mm_or_si128(_mm_srli_epi16(_mm_and_si128(pairs, _mm_set1_epi16(0x1F00)), 2),
                                  _mm_and_si128(pairs, _mm_set1_epi16(0x3F)));
     if constexpr (Three) {
-        const __m128i three = _mm_or_si128(
-            _mm_or_si128(_mm_slli_epi16(_mm_and_si128(pairs, _mm_set1_epi16(0x0F00)), 4),
-                         _mm_slli_epi16(_mm_and_si128(pairs, _mm_set1_epi16(0x3F)), 6)),
-            _mm_and_si128(thirds, _mm_set1_epi16(0x3F)));
         // Leads 0xE0 and up are above 0xDFFF (as signed lanes, above -8193).
-        multi = _mm_blendv_epi8(multi, three,
+        multi = _mm_blendv_epi8(multi, _mm_or_si128(_mm_slli_epi16(multi, 6), thirds),
                                 _mm_cmpgt_epi16(pairs, _mm_set1_epi16(static_cast<short>(0xDFFF))));
     }
-    return _mm_blendv_epi8(one, multi, _mm_srai_epi16(pairs, 15));
+    return _mm_blendv_epi8(_mm_srli_epi16(pairs, 8), multi, _mm_srai_epi16(pairs, 15));
 }
 
 // Sixteen bytes of sequences of one to two bytes (to three with Three) at from: the units of
@@ -327,7 +326,8 @@ QNCL_SSE41 inline void writeCompressed(const uint8_t* from, __m128i bytes, unsig
     const __m128i next = _mm_loadu_si128(reinterpret_cast<const __m128i*>(from + 1));
     __m128i thirdsLow = next, thirdsHigh = next;
     if constexpr (Three) {
-        const __m128i after = _mm_loadu_si128(reinterpret_cast<const __m128i*>(from + 2));
+        const __m128i after = _mm_and_si128(
+            _mm_loadu_si128(reinterpret_cast<const __m128i*>(from + 2)), _mm_set1_epi8(0x3F));
         thirdsLow = _mm_unpacklo_epi8(after, _mm_setzero_si128());
         thirdsHigh = _mm_unpackhi_epi8(after, _mm_setzero_si128());
     }
@@ -346,14 +346,16 @@ QNCL_SSE41 inline void writeCompressed(const uint8_t* from, __m128i bytes, unsig
 // The walk over a chunk from k: steps of sixteen bytes while the masks know the byte after the
 // block (k + 16 < CHUNK) and bytes k..k+16 are free of faults; each takes the sequences that end
 // within the block. With Three, blocks may hold three-byte forms, and a block with a four-byte
-// lead (a bit in four) goes through STEPS instead, as do the last few bytes of the chunk.
+// lead (a bit in four) goes through STEPS instead, up to the last few bytes of the chunk (a step
+// through STEPS needs only bytes k..k+12 known and free of faults).
 template <bool Three>
 QNCL_SSE41 inline long walkChunk(const uint8_t* from, const ChunkMasks& masks, uint64_t four,
                                  char16_t*& to) {
     long k = 0;
-    while (k + 17 <= masks.usable) {
+    while (k + 13 <= masks.usable) {
         const __m128i bytes = _mm_loadu_si128(reinterpret_cast<const __m128i*>(from + k));
-        if (k <= CHUNK - 17 && (!Three || ((four >> k) & 0xFFFFu) == 0)) {
+        const bool long4 = Three && ((four >> k) & 0xFFFFu) != 0;
+        if (!long4 && k <= CHUNK - 17 && k + 17 <= masks.usable) {
             const unsigned ends = static_cast<unsigned>(masks.starts >> (k + 1)) & 0xFFFFu;
             const unsigned taken = 32 - __builtin_clz(ends);
             const unsigned keep = static_cast<unsigned>(masks.starts >> k) & ((1u << taken) - 1);
@@ -362,9 +364,9 @@ QNCL_SSE41 inline long walkChunk(const uint8_t* from, const ChunkMasks& masks, u
             to += __builtin_popcount(keep);
             continue;
         }
-        if (!Three)
+        // Text without four-byte forms goes faster in the next chunk's first step.
+        if (!long4)
             break;
-        // Steps through STEPS need bytes k..k+12 free of faults and known.
         const unsigned step = STEPS.step[static_cast<unsigned>(masks.starts >> (k + 1)) & 0xFFFu];
         if (step == 0)
             break; // checked text never gets here; should it, the stretch decides
@@ -378,7 +380,7 @@ QNCL_SSE41 inline long walkChunk(const uint8_t* from, const ChunkMasks& masks, u
         else
             writeLong(lanes, to);
         k += (step >> 3) & 0xFu;
-        to += step & 7u;
+        to += (step & 7u) + 1;
     }
     return k;
 }
@@ -410,12 +412,15 @@ QNCL_SSE41 void decodeBlocks(const uint8_t* in, long& inPos, long inEnd, char16_
         long k;
         ChunkMasks masks;
         // Bytes from 0xE0 (0xF0) up are those still 0x80 or more less 0x60 (0x70).
+        const __m128i fours = _mm_set1_epi8(0x70);
         if (_mm_movemask_epi8(_mm_subs_epu8(top, _mm_set1_epi8(0x60))) == 0) {
             masks = narrowMasks(v);
             k = walkChunk<false>(from, masks, 0, to);
+        } else if (_mm_movemask_epi8(_mm_subs_epu8(top, fours)) == 0) {
+            masks = fullMasks<false>(v);
+            k = walkChunk<true>(from, masks, 0, to);
         } else {
-            masks = fullMasks(v);
-            const __m128i fours = _mm_set1_epi8(0x70);
+            masks = fullMasks<true>(v);
             k = walkChunk<true>(from, masks,
                                 bitsOf(_mm_subs_epu8(v[0], fours), _mm_subs_epu8(v[1], fours),
                                        _mm_subs_epu8(v[2], fours), _mm_subs_epu8(v[3], fours)),
