@@ -1,29 +1,31 @@
-// The block loop of the fast UTF-8 decoder on x86-64 processors with SSSE3 and SSE4.1 (chosen
-// once at run time; decodeUtf8Common calls decodeUtf8Blocks first and carries on from where it
-// stops).
+// The block loop of the fast UTF-8 decoder on x86-64 processors with SSSE3, SSE4.1 and POPCNT
+// (chosen once at run time; decodeUtf8Common calls decodeUtf8Blocks first and carries on from
+// where it stops). Mixed text of any script goes 64 bytes at a time.
 //
-// What it takes: sixteen bytes are loaded and checked at once (see blockFaults). A block whose
-// first thirteen bytes hold nothing the fast form would refuse is decoded a step at a time: the
-// ends of its sequences among the first twelve bytes index STEPS, which says how many bytes the
-// step takes and how pshufb moves them into lanes:
-//   - six sequences of one or two bytes into six 16-bit lanes (Latin-1, Cyrillic, Greek text);
-//   - else four sequences of one to three bytes into four 32-bit lanes (CJK, punctuation);
-//   - else four (or three) sequences of one to four bytes into 32-bit lanes, which become one
-//     unit or a surrogate pair each (emoji).
-// All-ASCII blocks and runs of eight two-byte sequences take the SSE2 paths of UtfKernels.h.
+// A chunk of 64 bytes is loaded and checked at once. All ASCII: widenAscii. Without bytes
+// 0xE0-0xFF (Latin-1, Cyrillic, Greek): a few masks find the faults (narrowMasks). Otherwise
+// three nibble tables do (blockFaults). Then steps walk the chunk's masks of sequence starts:
+//   - sixteen bytes without four-byte leads: every byte gets a candidate unit (ASCII as it is,
+//     a lead with the bytes after it), the candidates of the bytes that start sequences are
+//     compressed to the front with pshufb (two halves of eight), and the step takes the
+//     sequences that end within the sixteen bytes;
+//   - twelve bytes with a four-byte lead: the ends of the sequences index STEPS, which gives a
+//     pshufb mask that moves four (or three) sequences into 32-bit lanes, and the bytes and
+//     units of the step; each lane becomes one unit or a surrogate pair.
 //
-// What it leaves: a block with a fault among its first thirteen bytes goes to the scalar
-// stretch for those bytes (which stops before the fault for the simple loop); the last sixteen
-// bytes of the input and the last sixteen units of the output go back to decodeUtf8Common.
-// The faults are the bytes and pairs the simple loop treats as anything but a well-formed
-// sequence, or whose value needs an exception or the substitution: stray continuation bytes,
-// leads cut short, C0, C1 and F5-FF, three-byte surrogates (ED A0-BF), four-byte forms with a
-// second byte the decoder refuses (0xB0-0xBF) or that give values below U+10000 (F0 80-8F, which
-// may be surrogates) or above U+10FFFF (F4 90-AF). Overlong three-byte forms (E0 80-9F) are not
-// faults: they decode to their small values here exactly as in the simple loop.
+// What it leaves: a chunk with a fault goes as far as the steps can before it, then to the
+// scalar stretch for the next thirteen bytes (which stops before the fault for the simple
+// loop); the last 96 bytes of the input and the last 96 units of the output go back to
+// decodeUtf8Common. The faults are the bytes and pairs the simple loop treats as anything but
+// a well-formed sequence, or whose value needs an exception or the substitution: stray
+// continuation bytes, leads cut short, C0, C1 and F5-FF, three-byte surrogates (ED A0-BF),
+// four-byte forms with a second byte the decoder refuses (0xB0-0xBF) or that give values below
+// U+10000 (F0 80-8F, which may be surrogates) or above U+10FFFF (F4 90-AF). Overlong three-byte
+// forms (E0 80-9F) are not faults: they decode to their small values here exactly as in the
+// simple loop.
 //
-// A step may store up to sixteen bytes past the units it writes, always below outEnd; those
-// units are written again by the next step or left beyond the output position.
+// A step may store up to sixteen units past those it writes, always below outEnd; they are
+// written again by the next step or left beyond the output position.
 #include "UtfKernels.h"
 
 #ifdef QNCL_UTF8_DECODE_BLOCKS
@@ -387,11 +389,11 @@ QNCL_SSE41 inline long walkChunk(const uint8_t* from, const ChunkMasks& masks, u
 
 // Chunks of 64 bytes are checked at once, then walked (see walkChunk); the next chunk starts
 // where the walk ended. The walk carries only k from step to step, through the masks (and
-// STEPS): the loads and the arithmetic of a step are off that path. A step loads at most 18
-// bytes from k <= 51 and the walk ends by k = 64 (a step never takes more than sixteen); a step
-// stores at most sixteen units and units never outnumber bytes; so with 96 bytes of input and
-// 96 units of output the chunk and then the stretch after it (sixteen of each) stay inside both
-// buffers.
+// STEPS): the loads and the arithmetic of a step are off that path. No step reads past byte 66
+// of the chunk (k + 17 for k <= 47, k + 15 for k <= 51 through STEPS) and the walk ends by
+// k = 63; a step stores at most sixteen units and units never outnumber bytes; so with 96
+// bytes of input and 96 units of output the chunk and then the stretch after it (sixteen of
+// each) stay inside both buffers.
 QNCL_SSE41 void decodeBlocks(const uint8_t* in, long& inPos, long inEnd, char16_t* out,
                              long& outPos, long outEnd) {
     constexpr long ROOM = CHUNK + 32;
