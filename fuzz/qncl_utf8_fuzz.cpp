@@ -42,50 +42,36 @@ template <bool Fast> struct SimpleDecoder {
 void fuzzDecoder(const Settings& settings, uint32_t seed, const uint8_t* text, long size) {
     const auto* in = reinterpret_cast<const signed char*>(text);
     const long capacity = 3 * size + 8;
-    auto converterRun = [&](Random* random) {
+    // Windows of 9 keep the converter to its simple steps; windows of up to 300 bytes and units
+    // reach its 64-byte chunks (SSSE3), with the input and the output ending anywhere in or
+    // after them.
+    auto converterRun = [&](Random* random, long window) {
         BTCUTF8 decoder;
         decoder.setSubstitutionMode(settings.mode);
         decoder.setSubstitutionChars(settings.chars, settings.length);
         return run<char16_t>(
-            size, capacity, random, 9, 9,
+            size, capacity, random, window, window,
             [&](long* inPos, long inEnd, char16_t* out, long* outPos, long outEnd) {
                 const long written = decoder.convert(in, inPos, inEnd, out, outPos, outEnd);
                 check(written == 0 || !utf::isHighSurrogate(out[*outPos - 1]));
                 return written;
             });
     };
-    auto kernelRun = [&](Random* random, auto decoder) {
+    auto kernelRun = [&](Random* random, auto decoder, long window) {
         return run<char16_t>(
-            size, capacity, random, 40, 40,
+            size, capacity, random, window, window,
             [&](long* inPos, long inEnd, char16_t* out, long* outPos, long outEnd) {
                 return decoder(text, inPos, inEnd, out, outPos, outEnd);
             });
     };
-    // Windows of up to 300 bytes and units reach the converter's 64-byte chunks (SSSE3), with
-    // the input and the output ending anywhere in or after them.
-    auto wideRun = [&](Random* random) {
-        BTCUTF8 decoder;
-        decoder.setSubstitutionMode(settings.mode);
-        decoder.setSubstitutionChars(settings.chars, settings.length);
-        return run<char16_t>(
-            size, capacity, random, 300, 300,
-            [&](long* inPos, long inEnd, char16_t* out, long* outPos, long outEnd) {
-                return decoder.convert(in, inPos, inEnd, out, outPos, outEnd);
-            });
-    };
-    const Outcome<char16_t> oneShot = converterRun(nullptr);
+    const Outcome<char16_t> oneShot = converterRun(nullptr, 9);
     Random a{seed}, b{seed}, c{seed}, d{seed}, e{seed};
-    check(converterRun(&a) == oneShot);
-    check(kernelRun(&b, SimpleDecoder<false>{settings}) ==
-          kernelRun(&c, SimpleDecoder<true>{settings}));
-    check(wideRun(&d) ==
-          run<char16_t>(size, capacity, &e, 300, 300,
-                        [&](long* inPos, long inEnd, char16_t* out, long* outPos, long outEnd) {
-                            return SimpleDecoder<false>{settings}(text, inPos, inEnd, out, outPos,
-                                                                  outEnd);
-                        }));
-    check(kernelRun(nullptr, SimpleDecoder<false>{settings}) == oneShot);
-    check(kernelRun(nullptr, SimpleDecoder<true>{settings}) == oneShot);
+    check(converterRun(&a, 9) == oneShot);
+    check(kernelRun(&b, SimpleDecoder<false>{settings}, 40) ==
+          kernelRun(&c, SimpleDecoder<true>{settings}, 40));
+    check(converterRun(&d, 300) == kernelRun(&e, SimpleDecoder<false>{settings}, 300));
+    check(kernelRun(nullptr, SimpleDecoder<false>{settings}, 40) == oneShot);
+    check(kernelRun(nullptr, SimpleDecoder<true>{settings}, 40) == oneShot);
 }
 
 template <bool Fast> struct SimpleEncoder {
