@@ -4,14 +4,12 @@
 //
 // A chunk of 64 bytes is loaded and checked at once. All ASCII: widenAscii. Without bytes
 // 0xE0-0xFF (Latin-1, Cyrillic, Greek): a few masks find the faults (narrowMasks). Otherwise
-// three nibble tables do (blockFaults). Then steps walk the chunk's masks of sequence starts:
-//   - sixteen bytes without four-byte leads: every byte gets a candidate unit (ASCII as it is,
-//     a lead with the bytes after it), the candidates of the bytes that start sequences are
-//     compressed to the front with pshufb (two halves of eight), and the step takes the
-//     sequences that end within the sixteen bytes;
-//   - twelve bytes with a four-byte lead: the ends of the sequences index STEPS, which gives a
-//     pshufb mask that moves four (or three) sequences into 32-bit lanes, and the bytes and
-//     units of the step; each lane becomes one unit or a surrogate pair.
+// three nibble tables do (blockFaults). Then steps of sixteen bytes walk the chunk's masks of
+// sequence starts: every byte gets a candidate unit (ASCII as it is, a lead with the bytes after
+// it; a four-byte lead its high surrogate and its first continuation byte the low one), the
+// candidates of the bytes that start sequences (and of the low surrogates) are compressed to the
+// front with pshufb, eight lanes at a time, and the step takes the sequences that end within the
+// sixteen bytes. How much arithmetic a candidate needs depends on the chunk's longest lead.
 //
 // What it leaves: a chunk with a fault goes as far as the steps can before it, then to the
 // scalar stretch for the next thirteen bytes (which stops before the fault for the simple
@@ -37,114 +35,26 @@ namespace qn::text::charset::utf {
 
 namespace {
 
-// Pattern numbers: 0-63 six sequences of one or two bytes (bit j: sequence j has two),
-// 64-144 four of one to three (base-3 digits: length - 1), 145-400 four of one to four (two
-// bits each: length - 1; a step that takes three of them leaves the fourth lane as scratch).
-constexpr int SHORT_PATTERNS = 64;
-constexpr int MEDIUM_PATTERNS = 81;
-constexpr int LONG_PATTERNS = 256;
-constexpr int MEDIUM_BASE = SHORT_PATTERNS;
-constexpr int LONG_BASE = SHORT_PATTERNS + MEDIUM_PATTERNS;
-constexpr int PATTERNS = LONG_BASE + LONG_PATTERNS;
+// By a mask of eight 16-bit lanes: the pshufb mask that moves the lanes kept to the front, in
+// order (0x80 clears the rest).
+struct CompressTable {
+    alignas(16) uint8_t shuffle[256][16];
 
-struct StepTable {
-    // By the twelve-bit mask of sequence ends (bit k: byte k ends one): the pattern number << 7
-    // | the bytes the step takes << 3 | the units it writes less one; 0 for masks that valid
-    // text never gives.
-    uint16_t step[4096];
-    // pshufb masks: each lane holds its sequence's last byte lowest, its lead highest; 0x80
-    // clears a byte.
-    alignas(16) uint8_t shuffle[PATTERNS][16];
-    // After a long step, by the mask of lanes that hold four-byte sequences: gathers each lane's
-    // one unit or two (a surrogate pair) into consecutive units.
-    alignas(16) uint8_t gather[16][16];
-    // By a mask of eight 16-bit lanes: moves the lanes kept to the front, in order.
-    alignas(16) uint8_t compress[256][16];
-
-    constexpr StepTable() : step(), shuffle(), gather(), compress() {
-        for (int p = 0; p < PATTERNS; ++p) {
-            int lengths[6] = {};
-            int count = 0, laneBytes = 0;
-            if (p < MEDIUM_BASE) {
-                count = 6, laneBytes = 2;
-                for (int j = 0; j < count; ++j)
-                    lengths[j] = 1 + ((p >> j) & 1);
-            } else if (p < LONG_BASE) {
-                count = 4, laneBytes = 4;
-                for (int j = 0, rest = p - MEDIUM_BASE; j < count; ++j, rest /= 3)
-                    lengths[j] = 1 + rest % 3;
-            } else {
-                count = 4, laneBytes = 4;
-                for (int j = 0; j < count; ++j)
-                    lengths[j] = 1 + (((p - LONG_BASE) >> (2 * j)) & 3);
-            }
-            for (int k = 0; k < 16; ++k)
-                shuffle[p][k] = 0x80;
-            for (int j = 0, at = 0; j < count; at += lengths[j++])
-                for (int b = 0; b < lengths[j]; ++b)
-                    shuffle[p][j * laneBytes + b] = static_cast<uint8_t>(at + lengths[j] - 1 - b);
-        }
-        for (int mask = 0; mask < 4096; ++mask)
-            step[mask] = stepFor(mask);
+    constexpr CompressTable() : shuffle() {
         for (int keep = 0; keep < 256; ++keep) {
             int to = 0;
             for (int lane = 0; lane < 8; ++lane)
                 if ((keep >> lane) & 1) {
-                    compress[keep][to++] = static_cast<uint8_t>(2 * lane);
-                    compress[keep][to++] = static_cast<uint8_t>(2 * lane + 1);
+                    shuffle[keep][to++] = static_cast<uint8_t>(2 * lane);
+                    shuffle[keep][to++] = static_cast<uint8_t>(2 * lane + 1);
                 }
             while (to < 16)
-                compress[keep][to++] = 0x80;
+                shuffle[keep][to++] = 0x80;
         }
-        for (int four = 0; four < 16; ++four) {
-            int to = 0;
-            for (int lane = 0; lane < 4; ++lane)
-                for (int b = 0; b < ((four >> lane) & 1 ? 4 : 2); ++b)
-                    gather[four][to++] = static_cast<uint8_t>(4 * lane + b);
-            while (to < 16)
-                gather[four][to++] = 0x80;
-        }
-    }
-
-    static constexpr uint16_t stepFor(int ends) {
-        int lengths[12] = {};
-        int count = 0;
-        for (int k = 0, start = 0; k < 12; ++k)
-            if ((ends >> k) & 1) {
-                lengths[count++] = k + 1 - start;
-                start = k + 1;
-            }
-        int pattern = 0, taken = 0, units = 0;
-        if (count >= 6 && fitsIn(lengths, 6, 2)) {
-            for (int j = 0; j < 6; ++j)
-                pattern |= (lengths[j] - 1) << j, taken += lengths[j];
-            units = 6;
-        } else if (count >= 4 && fitsIn(lengths, 4, 3)) {
-            for (int j = 3; j >= 0; --j)
-                pattern = pattern * 3 + lengths[j] - 1, taken += lengths[j];
-            pattern += MEDIUM_BASE;
-            units = 4;
-        } else if (count >= 3 && fitsIn(lengths, 3, 4)) {
-            const int sequences = count >= 4 && fitsIn(lengths, 4, 4) ? 4 : 3;
-            for (int j = 0; j < sequences; ++j)
-                pattern |= (lengths[j] - 1) << (2 * j), taken += lengths[j],
-                    units += lengths[j] == 4 ? 2 : 1;
-            pattern += LONG_BASE;
-        } else {
-            return 0;
-        }
-        return static_cast<uint16_t>(pattern << 7 | taken << 3 | (units - 1));
-    }
-
-    static constexpr bool fitsIn(const int* lengths, int count, int longest) {
-        for (int j = 0; j < count; ++j)
-            if (lengths[j] > longest)
-                return false;
-        return true;
     }
 };
 
-constexpr StepTable STEPS{};
+constexpr CompressTable COMPRESS{};
 
 #define QNCL_SSE41 __attribute__((target("ssse3,sse4.1,popcnt")))
 
@@ -200,48 +110,6 @@ template <bool Four> QNCL_SSE41 inline __m128i blockFaults(__m128i bytes, __m128
             third, _mm_subs_epu8(_mm_alignr_epi8(bytes, before, 13), _mm_set1_epi8(0xF0 - 0x80)));
     mustContinue = _mm_and_si128(mustContinue, _mm_set1_epi8(TWO_CONTS));
     return _mm_xor_si128(pairs, mustContinue);
-}
-
-// Six sequences of one or two bytes: the lead (if any) in each lane's high byte.
-QNCL_SSE41 inline void writeShort(__m128i lanes, char16_t* to) {
-    const __m128i low = _mm_and_si128(lanes, _mm_set1_epi16(0x7F));
-    const __m128i high = _mm_srli_epi16(_mm_and_si128(lanes, _mm_set1_epi16(0x1F00)), 2);
-    _mm_storeu_si128(reinterpret_cast<__m128i*>(to), _mm_or_si128(low, high));
-}
-
-// Four sequences of one to three bytes, each in a 32-bit lane; bits 7, 14-15 and 20-23 hold the
-// marker bits of the lead and continuation bytes.
-QNCL_SSE41 inline void writeMedium(__m128i lanes, char16_t* to) {
-    const __m128i bits = _mm_and_si128(lanes, _mm_set1_epi32(0x000F3F7F));
-    const __m128i units =
-        _mm_or_si128(_mm_or_si128(_mm_and_si128(bits, _mm_set1_epi32(0x7F)),
-                                  _mm_and_si128(_mm_srli_epi32(bits, 2), _mm_set1_epi32(0xFC0))),
-                     _mm_and_si128(_mm_srli_epi32(bits, 4), _mm_set1_epi32(0xF000)));
-    _mm_storel_epi64(reinterpret_cast<__m128i*>(to), _mm_packus_epi32(units, units));
-}
-
-// Four sequences of one to four bytes, as one unit or a surrogate pair each. A four-byte lead
-// makes its lane negative. A three-byte lead keeps one marker bit (0x20 << 12 after masking) that
-// only the 16-bit result of the shorter forms drops.
-QNCL_SSE41 inline void writeLong(__m128i lanes, char16_t* to) {
-    const __m128i bits = _mm_and_si128(lanes, _mm_set1_epi32(0x073F3F7F));
-    const __m128i value = _mm_or_si128(
-        _mm_or_si128(_mm_and_si128(bits, _mm_set1_epi32(0x7F)),
-                     _mm_and_si128(_mm_srli_epi32(bits, 2), _mm_set1_epi32(0xFC0))),
-        _mm_or_si128(_mm_and_si128(_mm_srli_epi32(bits, 4), _mm_set1_epi32(0x3F000)),
-                     _mm_and_si128(_mm_srli_epi32(bits, 6), _mm_set1_epi32(0x1C0000))));
-    const __m128i four = _mm_srai_epi32(lanes, 31);
-    const __m128i bmp = _mm_and_si128(value, _mm_set1_epi32(0xFFFF));
-    const __m128i plane = _mm_sub_epi32(value, _mm_set1_epi32(0x10000));
-    const __m128i pair =
-        _mm_or_si128(_mm_add_epi32(_mm_srli_epi32(plane, 10), _mm_set1_epi32(0xD800)),
-                     _mm_slli_epi32(_mm_add_epi32(_mm_and_si128(plane, _mm_set1_epi32(0x3FF)),
-                                                  _mm_set1_epi32(0xDC00)),
-                                    16));
-    const __m128i units = _mm_blendv_epi8(bmp, pair, four);
-    const int fours = _mm_movemask_ps(_mm_castsi128_ps(four));
-    const __m128i gather = _mm_load_si128(reinterpret_cast<const __m128i*>(STEPS.gather[fours]));
-    _mm_storeu_si128(reinterpret_cast<__m128i*>(to), _mm_shuffle_epi8(units, gather));
 }
 
 constexpr long CHUNK = 64;
@@ -302,32 +170,55 @@ template <bool Four> QNCL_SSE41 inline ChunkMasks fullMasks(const __m128i (&v)[4
     return {starts, __builtin_ctzll(~clean)};
 }
 
+// What a block may hold: sequences of one or two bytes, up to three, or up to four.
+enum Widest { TWO = 2, THREE = 3, FOUR = 4 };
+
 // Candidate units, one per byte of a block: pairs holds each byte high and its follower low
-// (negative for a lead), thirds the payload of the byte after that (only with Three). A lane's
-// unit is right when its byte starts a sequence of one or two bytes (or three, with Three).
-// Masking a lead with 0x1F keeps the payload of two- and three-byte leads alike (the bit under
-// 0x10 of 1110xxxx is its 0).
-template <bool Three> QNCL_SSE41 inline __m128i unitsOf(__m128i pairs, __m128i thirds) {
+// (negative from 0x80), thirds the payload of the byte after that (from THREE). A lane's unit is
+// right when its byte starts a sequence of one to Widest bytes, and with FOUR, for the first
+// continuation byte of a four-byte form, where it is the pair's low surrogate (the lead's lane
+// has the high one). Masking a lead with 0x1F keeps the payload of two- and three-byte leads
+// alike (the bit under 0x10 of 1110xxxx is its 0).
+template <Widest W> QNCL_SSE41 inline __m128i unitsOf(__m128i pairs, __m128i thirds) {
     __m128i multi = _mm_or_si128(_mm_srli_epi16(_mm_and_si128(pairs, _mm_set1_epi16(0x1F00)), 2),
                                  _mm_and_si128(pairs, _mm_set1_epi16(0x3F)));
-    if constexpr (Three) {
-        // Leads 0xE0 and up are above 0xDFFF (as signed lanes, above -8193).
+    if constexpr (W >= THREE) {
+        // As signed lanes, leads 0xE0 and up are above -8193 (0xDFFF), 0xF0 and up above -4097.
         multi = _mm_blendv_epi8(multi, _mm_or_si128(_mm_slli_epi16(multi, 6), thirds),
-                                _mm_cmpgt_epi16(pairs, _mm_set1_epi16(static_cast<short>(0xDFFF))));
+                                _mm_cmpgt_epi16(pairs, _mm_set1_epi16(-8193)));
+    }
+    if constexpr (W == FOUR) {
+        // The high surrogate: 0xD800 + (value - 0x10000 >> 10), from the lead, the first
+        // continuation and the top two payload bits of the second.
+        const __m128i high = _mm_add_epi16(
+            _mm_or_si128(
+                _mm_or_si128(_mm_and_si128(pairs, _mm_set1_epi16(0x0700)),
+                             _mm_slli_epi16(_mm_and_si128(pairs, _mm_set1_epi16(0x3F)), 2)),
+                _mm_srli_epi16(thirds, 4)),
+            _mm_set1_epi16(static_cast<short>(0xD7C0)));
+        // The low one, in the lane of the first continuation: its follower's low four payload
+        // bits and the last byte's six.
+        const __m128i low = _mm_or_si128(
+            _mm_or_si128(_mm_slli_epi16(_mm_and_si128(pairs, _mm_set1_epi16(0x0F)), 6), thirds),
+            _mm_set1_epi16(static_cast<short>(0xDC00)));
+        multi = _mm_blendv_epi8(multi, high, _mm_cmpgt_epi16(pairs, _mm_set1_epi16(-4097)));
+        // Continuation bytes (0x80-0xBF) are the lanes below -16384.
+        multi = _mm_blendv_epi8(multi, low,
+                                _mm_cmplt_epi16(pairs, _mm_set1_epi16(static_cast<short>(0xC000))));
     }
     return _mm_blendv_epi8(_mm_srli_epi16(pairs, 8), multi, _mm_srai_epi16(pairs, 15));
 }
 
-// Sixteen bytes of sequences of one to two bytes (to three with Three) at from: the units of
-// the sequences that start in keep (a bit per byte), in order. Every byte gets a candidate unit;
-// the lanes of continuation bytes, and of a last sequence that goes on past the block, are
-// dropped.
-template <bool Three>
+// Sixteen bytes at from holding sequences of one to Widest bytes: the units of the lanes in
+// keep (a bit per byte), in order. Every byte gets a candidate unit; the lanes of continuation
+// bytes (but those of the low surrogates), and of a last sequence that goes on past the block,
+// are dropped.
+template <Widest W>
 QNCL_SSE41 inline void writeCompressed(const uint8_t* from, __m128i bytes, unsigned keep,
                                        char16_t* to) {
     const __m128i next = _mm_loadu_si128(reinterpret_cast<const __m128i*>(from + 1));
     __m128i thirdsLow = next, thirdsHigh = next;
-    if constexpr (Three) {
+    if constexpr (W >= THREE) {
         const __m128i after = _mm_and_si128(
             _mm_loadu_si128(reinterpret_cast<const __m128i*>(from + 2)), _mm_set1_epi8(0x3F));
         thirdsLow = _mm_unpacklo_epi8(after, _mm_setzero_si128());
@@ -337,63 +228,43 @@ QNCL_SSE41 inline void writeCompressed(const uint8_t* from, __m128i bytes, unsig
     const unsigned high = keep >> 8;
     _mm_storeu_si128(
         reinterpret_cast<__m128i*>(to),
-        _mm_shuffle_epi8(unitsOf<Three>(_mm_unpacklo_epi8(next, bytes), thirdsLow),
-                         _mm_load_si128(reinterpret_cast<const __m128i*>(STEPS.compress[low]))));
+        _mm_shuffle_epi8(unitsOf<W>(_mm_unpacklo_epi8(next, bytes), thirdsLow),
+                         _mm_load_si128(reinterpret_cast<const __m128i*>(COMPRESS.shuffle[low]))));
     _mm_storeu_si128(
         reinterpret_cast<__m128i*>(to + __builtin_popcount(low)),
-        _mm_shuffle_epi8(unitsOf<Three>(_mm_unpackhi_epi8(next, bytes), thirdsHigh),
-                         _mm_load_si128(reinterpret_cast<const __m128i*>(STEPS.compress[high]))));
+        _mm_shuffle_epi8(unitsOf<W>(_mm_unpackhi_epi8(next, bytes), thirdsHigh),
+                         _mm_load_si128(reinterpret_cast<const __m128i*>(COMPRESS.shuffle[high]))));
 }
 
-// The walk over a chunk from k: steps of sixteen bytes while the masks know the byte after the
+// The walk over a chunk: steps of sixteen bytes from k while the masks know the byte after the
 // block (k + 16 < CHUNK) and bytes k..k+16 are free of faults; each takes the sequences that end
-// within the block. With Three, blocks may hold three-byte forms, and a block with a four-byte
-// lead (a bit in four) goes through STEPS instead, up to the last few bytes of the chunk (a step
-// through STEPS needs only bytes k..k+12 known and free of faults).
-template <bool Three>
+// within the block. With FOUR, four holds the chunk's four-byte leads, whose next lanes are kept
+// too.
+template <Widest W>
 QNCL_SSE41 inline long walkChunk(const uint8_t* from, const ChunkMasks& masks, uint64_t four,
                                  char16_t*& to) {
     long k = 0;
-    while (k + 13 <= masks.usable) {
+    while (k <= CHUNK - 17 && k + 17 <= masks.usable) {
         const __m128i bytes = _mm_loadu_si128(reinterpret_cast<const __m128i*>(from + k));
-        const bool long4 = Three && ((four >> k) & 0xFFFFu) != 0;
-        if (!long4 && k <= CHUNK - 17 && k + 17 <= masks.usable) {
-            const unsigned ends = static_cast<unsigned>(masks.starts >> (k + 1)) & 0xFFFFu;
-            const unsigned taken = 32 - __builtin_clz(ends);
-            const unsigned keep = static_cast<unsigned>(masks.starts >> k) & ((1u << taken) - 1);
-            writeCompressed<Three>(from + k, bytes, keep, to);
-            k += taken;
-            to += __builtin_popcount(keep);
-            continue;
-        }
-        // Text without four-byte forms goes faster in the next chunk's first step.
-        if (!long4)
-            break;
-        const unsigned step = STEPS.step[static_cast<unsigned>(masks.starts >> (k + 1)) & 0xFFFu];
-        if (step == 0)
-            break; // checked text never gets here; should it, the stretch decides
-        const unsigned pattern = step >> 7;
-        const __m128i lanes = _mm_shuffle_epi8(
-            bytes, _mm_load_si128(reinterpret_cast<const __m128i*>(STEPS.shuffle[pattern])));
-        if (pattern < MEDIUM_BASE)
-            writeShort(lanes, to);
-        else if (pattern < LONG_BASE)
-            writeMedium(lanes, to);
-        else
-            writeLong(lanes, to);
-        k += (step >> 3) & 0xFu;
-        to += (step & 7u) + 1;
+        const unsigned ends = static_cast<unsigned>(masks.starts >> (k + 1)) & 0xFFFFu;
+        const unsigned taken = 32 - __builtin_clz(ends);
+        unsigned keep = static_cast<unsigned>(masks.starts >> k);
+        if constexpr (W == FOUR)
+            keep |= static_cast<unsigned>(four >> k) << 1;
+        keep &= (1u << taken) - 1;
+        writeCompressed<W>(from + k, bytes, keep, to);
+        k += taken;
+        to += __builtin_popcount(keep);
     }
     return k;
 }
 
 // Chunks of 64 bytes are checked at once, then walked (see walkChunk); the next chunk starts
-// where the walk ended. The walk carries only k from step to step, through the masks (and
-// STEPS): the loads and the arithmetic of a step are off that path. No step reads past byte 66
-// of the chunk (k + 17 for k <= 47, k + 15 for k <= 51 through STEPS) and the walk ends by
-// k = 63; a step stores at most sixteen units and units never outnumber bytes; so with 96
-// bytes of input and 96 units of output the chunk and then the stretch after it (sixteen of
-// each) stay inside both buffers.
+// where the walk ended. The walk carries only k from step to step, through the masks: the loads
+// and the arithmetic of a step are off that path. No step reads past byte 64 of the chunk
+// (k + 17 for k <= 47) and the walk ends by k = 63; a step stores at most sixteen units and
+// units never outnumber bytes; so with 96 bytes of input and 96 units of output the chunk and
+// then the stretch after it (sixteen of each) stay inside both buffers.
 QNCL_SSE41 void decodeBlocks(const uint8_t* in, long& inPos, long inEnd, char16_t* out,
                              long& outPos, long outEnd) {
     constexpr long ROOM = CHUNK + 32;
@@ -417,13 +288,13 @@ QNCL_SSE41 void decodeBlocks(const uint8_t* in, long& inPos, long inEnd, char16_
         const __m128i fours = _mm_set1_epi8(0x70);
         if (_mm_movemask_epi8(_mm_subs_epu8(top, _mm_set1_epi8(0x60))) == 0) {
             masks = narrowMasks(v);
-            k = walkChunk<false>(from, masks, 0, to);
+            k = walkChunk<TWO>(from, masks, 0, to);
         } else if (_mm_movemask_epi8(_mm_subs_epu8(top, fours)) == 0) {
             masks = fullMasks<false>(v);
-            k = walkChunk<true>(from, masks, 0, to);
+            k = walkChunk<THREE>(from, masks, 0, to);
         } else {
             masks = fullMasks<true>(v);
-            k = walkChunk<true>(from, masks,
+            k = walkChunk<FOUR>(from, masks,
                                 bitsOf(_mm_subs_epu8(v[0], fours), _mm_subs_epu8(v[1], fours),
                                        _mm_subs_epu8(v[2], fours), _mm_subs_epu8(v[3], fours)),
                                 to);
