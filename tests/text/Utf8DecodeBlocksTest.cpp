@@ -99,8 +99,10 @@ Bytes repeat(const char* utf8, size_t size) {
     return text;
 }
 
-// Text of each kind of chunk: two-byte only, three-byte, four-byte, all mixed.
+// Text of each kind of chunk: two-byte only (with runs of ASCII longer than a block, too),
+// three-byte, four-byte, all mixed.
 const char* const SAMPLES[] = {
+    "The quick brown fox jumps over the lazy dog; naïve. ",
     "Grüße aus Köln und Zürich; café crème. ",
     "Съешь же ещё этих мягких французских булок, да выпей чаю. ",
     "我能吞下玻璃而不伤身体。东京都 中文文本，字符集转换。",
@@ -113,9 +115,21 @@ const char* const SAMPLES[] = {
 // three-byte surrogates (which throw), overlong four-byte forms (which may throw), and
 // overlong three-byte forms, which both paths must decode alike.
 const char* const FAULTS[] = {
-    "\x80",         "\xBF\xBF",     "\xC0\x80",         "\xC1\xBF",         "\xF5",
-    "\xFF",         "\xE4\xB8",     "\xC3",             "\xF0\x9F\x98",     "\xED\xA0\x80",
-    "\xED\xBF\xBF", "\xE0\x80\x80", "\xF0\x8F\xBF\xBF", "\xF0\x8D\xA0\x80", "\xF4\x90\x80\x80",
+    "\x80",
+    "\xBF\xBF",
+    "\xC0\x80",
+    "\xC1\xBF",
+    "\xF5",
+    "\xFF",
+    "\xE4\xB8",
+    "\xC3",
+    "\xF0\x9F\x98",
+    "\xED\xA0\x80",
+    "\xED\xBF\xBF",
+    "\xE0\x80\x80",
+    "\xF0\x8F\xBF\xBF",
+    "\xF0\x8D\xA0\x80",
+    "\xF4\x90\x80\x80",
     "\xF1\xB0\x80\x80",
 };
 
@@ -130,7 +144,8 @@ TEST(Utf8DecodeBlocks, FaultAtEveryOffsetOfAChunk) {
                 Bytes text = base;
                 std::copy(bad.begin(), bad.end(), text.begin() + static_cast<long>(at));
                 const long size = static_cast<long>(text.size());
-                const std::string what = std::string("fault ") + fault + " at " + std::to_string(at);
+                const std::string what =
+                    std::string("fault ") + fault + " at " + std::to_string(at);
                 expectSame(text, 0, size, size + 8, true, what);
                 if (at % 7 == 0)
                     expectSame(text, 0, size, size + 8, false, what);
@@ -156,8 +171,8 @@ TEST(Utf8DecodeBlocks, InputAndOutputEndAtEveryOffset) {
 // Long texts of every script with rare faults, in random places, decoded with calls that start,
 // stop and run out of room anywhere.
 TEST(Utf8DecodeBlocks, LongMixedTextsWithRareFaults) {
-    const char* const pieces[] = {"a",  "Z",  " ",  ".",   "é",   "ß",   "Ж",   "Ω",
-                                  "中", "。", "€",  "😀", "🏽", "\xEF\xBF\xBF"};
+    const char* const pieces[] = {"a", "Z",  " ",  ".", "é", "ß",    "Ж",
+                                  "Ω", "中", "。", "€", "😀", "🏽", "\xEF\xBF\xBF"};
     uint32_t state = 12345;
     auto next = [&state](uint32_t bound) {
         state = state * 1664525u + 1013904223u;
@@ -171,15 +186,15 @@ TEST(Utf8DecodeBlocks, LongMixedTextsWithRareFaults) {
         Bytes text;
         const size_t size = 100 + next(900);
         while (text.size() < size) {
-            const Bytes piece = bytesOf(next(1000) < faultPerMille ? FAULTS[next(16)]
-                                                                  : pieces[from + next(count)]);
+            const Bytes piece =
+                bytesOf(next(1000) < faultPerMille ? FAULTS[next(16)] : pieces[from + next(count)]);
             text.insert(text.end(), piece.begin(), piece.end());
         }
         const long length = static_cast<long>(text.size());
         const long start = next(20);
         const long end = length - static_cast<long>(next(8));
-        const long cap = next(4) == 0 ? static_cast<long>(next(static_cast<uint32_t>(length)))
-                                      : length + 8;
+        const long cap =
+            next(4) == 0 ? static_cast<long>(next(static_cast<uint32_t>(length))) : length + 8;
         expectSame(text, start, end, cap, next(4) != 0, "round " + std::to_string(round));
     }
 }

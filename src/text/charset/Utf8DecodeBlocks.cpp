@@ -11,16 +11,16 @@
 // front with pshufb, eight lanes at a time, and the step takes the sequences that end within the
 // sixteen bytes. How much arithmetic a candidate needs depends on the chunk's longest lead.
 //
-// What it leaves: a chunk with a fault goes as far as the steps can before it, then to the
-// scalar stretch for the next thirteen bytes (which stops before the fault for the simple
-// loop); the last 96 bytes of the input and the last 96 units of the output go back to
-// decodeUtf8Common. The faults are the bytes and pairs the simple loop treats as anything but
-// a well-formed sequence, or whose value needs an exception or the substitution: stray
-// continuation bytes, leads cut short, C0, C1 and F5-FF, three-byte surrogates (ED A0-BF),
-// four-byte forms with a second byte the decoder refuses (0xB0-0xBF) or that give values below
-// U+10000 (F0 80-8F, which may be surrogates) or above U+10FFFF (F4 90-AF). Overlong three-byte
-// forms (E0 80-9F) are not faults: they decode to their small values here exactly as in the
-// simple loop.
+// What it leaves: a chunk with a fault goes as far as the steps can before it, then a sequence
+// at a time to its end (decodeFaultyChunk), which stops before a sequence that needs an
+// exception or the substitution, for the simple loop; the last 96 bytes of the input and the last
+// 96 units of the output go back to decodeUtf8Common. The faults are the bytes and pairs the simple
+// loop treats as anything but a well-formed sequence, or whose value needs an exception or the
+// substitution: stray continuation bytes, leads cut short, C0, C1 and F5-FF, three-byte surrogates
+// (ED A0-BF), four-byte forms with a second byte the decoder refuses (0xB0-0xBF) or that give
+// values below U+10000 (F0 80-8F, which may be surrogates) or above U+10FFFF (F4 90-AF). Overlong
+// three-byte forms (E0 80-9F) are not faults: they decode to their small values here exactly as in
+// the simple loop.
 //
 // A step may store up to sixteen units past those it writes, always below outEnd; they are
 // written again by the next step or left beyond the output position.
@@ -259,12 +259,35 @@ QNCL_SSE41 inline long walkChunk(const uint8_t* from, const ChunkMasks& masks, u
     return k;
 }
 
+// A fault stopped the walk: the rest of the chunk goes a sequence at a time, where faults tend
+// to come in numbers (text in another encoding), the next chunk's check would not pay. The
+// stretch takes what it can; a byte that starts no sequence becomes U+FFFD as in the simple
+// loop. False before a sequence that needs the simple loop (an exception or the substitution
+// may follow).
+inline bool decodeFaultyChunk(const uint8_t* in, long& i, long end, long inEnd, char16_t* out,
+                              long& o, long outEnd) {
+    while (i < end) {
+        if (decodeUtf8Stretch(in, i, end, inEnd, out, o)) {
+            // Used up, or before a run of ASCII that goes a block at a time.
+            if (i < end)
+                widenAscii(in, i, inEnd, out, o, outEnd);
+            continue;
+        }
+        uint32_t value;
+        if (readUtf8(in + i, UTF8_LENGTHS.length[in[i]], value) != 1 || value != 0xFFFD)
+            return false;
+        out[o++] = 0xFFFD;
+        ++i;
+    }
+    return true;
+}
+
 // Chunks of 64 bytes are checked at once, then walked (see walkChunk); the next chunk starts
 // where the walk ended. The walk carries only k from step to step, through the masks: the loads
 // and the arithmetic of a step are off that path. No step reads past byte 64 of the chunk
 // (k + 17 for k <= 47) and the walk ends by k = 63; a step stores at most sixteen units and
-// units never outnumber bytes; so with 96 bytes of input and 96 units of output the chunk and
-// then the stretch after it (sixteen of each) stay inside both buffers.
+// units never outnumber bytes; so with 96 bytes of input and 96 units of output the chunk, and
+// decodeFaultyChunk to its end (with three bytes to read ahead), stay inside both buffers.
 QNCL_SSE41 void decodeBlocks(const uint8_t* in, long& inPos, long inEnd, char16_t* out,
                              long& outPos, long outEnd) {
     constexpr long ROOM = CHUNK + 32;
@@ -301,9 +324,8 @@ QNCL_SSE41 void decodeBlocks(const uint8_t* in, long& inPos, long inEnd, char16_
         }
         i += k;
         o = to - out;
-        // A fault stopped the walk: the stretch takes the sequences before it, stops before it
-        // for the simple loop, or goes past it when it was not in a sequence of its own.
-        if (masks.usable < CHUNK && !decodeUtf8Stretch(in, i, i + 13, inEnd, out, o))
+        if (masks.usable < CHUNK &&
+            !decodeFaultyChunk(in, i, from - in + CHUNK, inEnd, out, o, outEnd))
             break;
     }
     inPos = i;
