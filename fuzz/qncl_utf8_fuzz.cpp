@@ -9,6 +9,7 @@
 #include "qn/text/charset/CTBUTF8.h"
 
 #include "ConverterFuzz.h"
+#include "text/Utf8Faults.h"
 #include "text/charset/ConverterLookup.h"
 #include "text/charset/UtfKernels.h"
 
@@ -164,25 +165,9 @@ static std::vector<uint8_t> buildText(const uint8_t* data, size_t size) {
                                          "\xEF\xBF\xBF",
                                          "\xF0\x9F\x98\x80",
                                          "\xF4\x8F\xBF\xBF"};
-    static const char* const faults[] = {"\x80",
-                                         "\xBF",
-                                         "\xC0\x80",
-                                         "\xC1\xBF",
-                                         "\xF5",
-                                         "\xFF",
-                                         "\xE4\xB8",
-                                         "\xC3",
-                                         "\xF0\x9F\x98",
-                                         "\xED\xA0\x80",
-                                         "\xED\xBF\xBF",
-                                         "\xE0\x80\x80",
-                                         "\xF0\x8F\xBF\xBF",
-                                         "\xF0\x8D\xA0\x80",
-                                         "\xF4\x90\x80\x80",
-                                         "\xF1\xB0\x80\x80"};
     std::vector<uint8_t> text;
     for (size_t k = 0; k < size; ++k) {
-        const char* piece = data[k] >= 0xF0 ? faults[data[k] - 0xF0]
+        const char* piece = data[k] >= 0xF0 ? charsettest::UTF8_FAULTS[data[k] - 0xF0]
                                             : pieces[data[k] % (sizeof pieces / sizeof *pieces)];
         text.insert(text.end(), piece, piece + std::strlen(piece));
     }

@@ -5,6 +5,7 @@
 #include "qn/text/charset/BTCUTF8.h"
 
 #include "text/ConverterSupport.h"
+#include "text/Utf8Faults.h"
 
 #include <cstdint>
 #include <string>
@@ -110,35 +111,12 @@ const char* const SAMPLES[] = {
     "aé中😀ß\xE0\x80\x80Ж字\xF4\x8F\xBF\xBF€ \xF1\x80\x80\x80",
 };
 
-// What the simple loop treats as anything but a sequence to take: substitutions (stray
-// continuation, C0/C1, F5-FF, refused second bytes, cut-off leads), values beyond U+10FFFF,
-// three-byte surrogates (which throw), overlong four-byte forms (which may throw), and
-// overlong three-byte forms, which both paths must decode alike.
-const char* const FAULTS[] = {
-    "\x80",
-    "\xBF\xBF",
-    "\xC0\x80",
-    "\xC1\xBF",
-    "\xF5",
-    "\xFF",
-    "\xE4\xB8",
-    "\xC3",
-    "\xF0\x9F\x98",
-    "\xED\xA0\x80",
-    "\xED\xBF\xBF",
-    "\xE0\x80\x80",
-    "\xF0\x8F\xBF\xBF",
-    "\xF0\x8D\xA0\x80",
-    "\xF4\x90\x80\x80",
-    "\xF1\xB0\x80\x80",
-};
-
 } // namespace
 
 TEST(Utf8DecodeBlocks, FaultAtEveryOffsetOfAChunk) {
     for (const char* sample : SAMPLES) {
         const Bytes base = repeat(sample, 260);
-        for (const char* fault : FAULTS) {
+        for (const char* fault : UTF8_FAULTS) {
             const Bytes bad = bytesOf(fault);
             for (size_t at = 0; at <= 140; ++at) {
                 Bytes text = base;
@@ -186,8 +164,8 @@ TEST(Utf8DecodeBlocks, LongMixedTextsWithRareFaults) {
         Bytes text;
         const size_t size = 100 + next(900);
         while (text.size() < size) {
-            const Bytes piece =
-                bytesOf(next(1000) < faultPerMille ? FAULTS[next(16)] : pieces[from + next(count)]);
+            const Bytes piece = bytesOf(next(1000) < faultPerMille ? UTF8_FAULTS[next(16)]
+                                                                   : pieces[from + next(count)]);
             text.insert(text.end(), piece.begin(), piece.end());
         }
         const long length = static_cast<long>(text.size());
