@@ -337,10 +337,11 @@ inline bool decodeUtf8Stretch(const uint8_t* in, long& i, long limit, long inEnd
 
 #if defined(QNCL_UTF_SSE2) && defined(__x86_64__)
 #define QNCL_UTF8_DECODE_BLOCKS 1
-// Utf8DecodeBlocks.cpp (in qncl6): the same work as the loop below, sixteen bytes of mixed text
-// at a time, on processors with SSSE3 and SSE4.1 (nothing elsewhere). It stops before a sequence
-// the fast form does not take, or within sixteen bytes of the input's end or sixteen units of
-// the output's end, and may use the output below outEnd as scratch past the units it writes.
+// Utf8DecodeBlocks.cpp (in qncl6): the same work as the loop below, 64 bytes of mixed text at a
+// time, on processors with SSSE3, SSE4.1 and POPCNT (nothing elsewhere); it also writes U+FFFD
+// for bytes that start no sequence, as the simple loop does. It stops before a sequence that
+// needs the simple loop, or within 96 bytes of the input's end or 96 units of the output's end,
+// and may use the output below outEnd as scratch past the units it writes.
 void decodeUtf8Blocks(const uint8_t* in, long& i, long inEnd, char16_t* out, long& o, long outEnd);
 #endif
 
