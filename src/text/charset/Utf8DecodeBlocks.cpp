@@ -180,22 +180,22 @@ enum Widest { TWO = 2, THREE = 3, FOUR = 4 };
 // has the high one). Masking a lead with 0x1F keeps the payload of two- and three-byte leads
 // alike (the bit under 0x10 of 1110xxxx is its 0).
 template <Widest W> QNCL_SSE41 inline __m128i unitsOf(__m128i pairs, __m128i thirds) {
-    __m128i multi = _mm_or_si128(_mm_srli_epi16(_mm_and_si128(pairs, _mm_set1_epi16(0x1F00)), 2),
-                                 _mm_and_si128(pairs, _mm_set1_epi16(0x3F)));
+    const __m128i two =
+        _mm_or_si128(_mm_srli_epi16(_mm_and_si128(pairs, _mm_set1_epi16(0x1F00)), 2),
+                     _mm_and_si128(pairs, _mm_set1_epi16(0x3F)));
+    __m128i multi = two;
     if constexpr (W >= THREE) {
         // As signed lanes, leads 0xE0 and up are above -8193 (0xDFFF), 0xF0 and up above -4097.
-        multi = _mm_blendv_epi8(multi, _mm_or_si128(_mm_slli_epi16(multi, 6), thirds),
+        multi = _mm_blendv_epi8(multi, _mm_or_si128(_mm_slli_epi16(two, 6), thirds),
                                 _mm_cmpgt_epi16(pairs, _mm_set1_epi16(-8193)));
     }
     if constexpr (W == FOUR) {
         // The high surrogate: 0xD800 + (value - 0x10000 >> 10), from the lead, the first
-        // continuation and the top two payload bits of the second.
-        const __m128i high = _mm_add_epi16(
-            _mm_or_si128(
-                _mm_or_si128(_mm_and_si128(pairs, _mm_set1_epi16(0x0700)),
-                             _mm_slli_epi16(_mm_and_si128(pairs, _mm_set1_epi16(0x3F)), 2)),
-                _mm_srli_epi16(thirds, 4)),
-            _mm_set1_epi16(static_cast<short>(0xD7C0)));
+        // continuation and the top two payload bits of the second. two << 2 has the lead's
+        // payload with its marker bit 0x10 (0x1000 after the shift), which the sum takes back.
+        const __m128i high =
+            _mm_add_epi16(_mm_or_si128(_mm_slli_epi16(two, 2), _mm_srli_epi16(thirds, 4)),
+                          _mm_set1_epi16(static_cast<short>(0xD7C0 - 0x1000)));
         // The low one, in the lane of the first continuation: its follower's low four payload
         // bits and the last byte's six.
         const __m128i low = _mm_or_si128(
