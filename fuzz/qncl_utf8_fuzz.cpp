@@ -2,13 +2,14 @@
 // next four seed the splits; the rest is the text (bytes to decode, or UTF-16 units, two bytes
 // each, to encode). Checked: a conversion in random pieces ends exactly as the one-shot
 // conversion (output, positions, exception), pairs are never split between calls, the fast
-// loops (SSE2 in the converters, machine words in the loops run here) agree with the simple ones
-// step for step under the same splits (windows up to 40 units, so that blocks happen), and
-// well-formed text survives a round trip.
+// loops (SSE2 and SSSE3 in the converters, machine words in the loops run here) agree with the
+// simple ones step for step under the same splits (windows up to 40 units, so that blocks happen,
+// and up to 300 for the converter's chunks), and well-formed text survives a round trip.
 #include "qn/text/charset/BTCUTF8.h"
 #include "qn/text/charset/CTBUTF8.h"
 
 #include "ConverterFuzz.h"
+#include "text/Utf8Faults.h"
 #include "text/charset/ConverterLookup.h"
 #include "text/charset/UtfKernels.h"
 
@@ -42,32 +43,36 @@ template <bool Fast> struct SimpleDecoder {
 void fuzzDecoder(const Settings& settings, uint32_t seed, const uint8_t* text, long size) {
     const auto* in = reinterpret_cast<const signed char*>(text);
     const long capacity = 3 * size + 8;
-    auto converterRun = [&](Random* random) {
+    // Windows of 9 keep the converter to its simple steps; windows of up to 300 bytes and units
+    // reach its 64-byte chunks (SSSE3), with the input and the output ending anywhere in or
+    // after them.
+    auto converterRun = [&](Random* random, long window) {
         BTCUTF8 decoder;
         decoder.setSubstitutionMode(settings.mode);
         decoder.setSubstitutionChars(settings.chars, settings.length);
         return run<char16_t>(
-            size, capacity, random, 9, 9,
+            size, capacity, random, window, window,
             [&](long* inPos, long inEnd, char16_t* out, long* outPos, long outEnd) {
                 const long written = decoder.convert(in, inPos, inEnd, out, outPos, outEnd);
                 check(written == 0 || !utf::isHighSurrogate(out[*outPos - 1]));
                 return written;
             });
     };
-    auto kernelRun = [&](Random* random, auto decoder) {
+    auto kernelRun = [&](Random* random, auto decoder, long window) {
         return run<char16_t>(
-            size, capacity, random, 40, 40,
+            size, capacity, random, window, window,
             [&](long* inPos, long inEnd, char16_t* out, long* outPos, long outEnd) {
                 return decoder(text, inPos, inEnd, out, outPos, outEnd);
             });
     };
-    const Outcome<char16_t> oneShot = converterRun(nullptr);
-    Random a{seed}, b{seed}, c{seed};
-    check(converterRun(&a) == oneShot);
-    check(kernelRun(&b, SimpleDecoder<false>{settings}) ==
-          kernelRun(&c, SimpleDecoder<true>{settings}));
-    check(kernelRun(nullptr, SimpleDecoder<false>{settings}) == oneShot);
-    check(kernelRun(nullptr, SimpleDecoder<true>{settings}) == oneShot);
+    const Outcome<char16_t> oneShot = converterRun(nullptr, 9);
+    Random a{seed}, b{seed}, c{seed}, d{seed}, e{seed};
+    check(converterRun(&a, 9) == oneShot);
+    check(kernelRun(&b, SimpleDecoder<false>{settings}, 40) ==
+          kernelRun(&c, SimpleDecoder<true>{settings}, 40));
+    check(converterRun(&d, 300) == kernelRun(&e, SimpleDecoder<false>{settings}, 300));
+    check(kernelRun(nullptr, SimpleDecoder<false>{settings}, 40) == oneShot);
+    check(kernelRun(nullptr, SimpleDecoder<true>{settings}, 40) == oneShot);
 }
 
 template <bool Fast> struct SimpleEncoder {
@@ -144,6 +149,31 @@ void fuzzEncoder(uint32_t seed, const uint8_t* data, long bytes) {
 
 } // namespace
 
+// With bit 4 of the first byte, the text is built from the input: bytes below 0xF0 pick
+// well-formed characters of every length, the others one of sixteen faults. Long runs of mixed
+// well-formed text with rare faults are what the block paths take, and random bytes seldom are.
+static std::vector<uint8_t> buildText(const uint8_t* data, size_t size) {
+    static const char* const pieces[] = {"a",
+                                         " ",
+                                         "7",
+                                         "\xC3\xA9",
+                                         "\xD0\x96",
+                                         "\xCE\xA9",
+                                         "\xE4\xB8\xAD",
+                                         "\xE3\x80\x82",
+                                         "\xE2\x82\xAC",
+                                         "\xEF\xBF\xBF",
+                                         "\xF0\x9F\x98\x80",
+                                         "\xF4\x8F\xBF\xBF"};
+    std::vector<uint8_t> text;
+    for (size_t k = 0; k < size; ++k) {
+        const char* piece = data[k] >= 0xF0 ? charsettest::UTF8_FAULTS[data[k] - 0xF0]
+                                            : pieces[data[k] % (sizeof pieces / sizeof *pieces)];
+        text.insert(text.end(), piece, piece + std::strlen(piece));
+    }
+    return text;
+}
+
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     if (size < 5)
         return 0;
@@ -156,7 +186,10 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     const long length = static_cast<long>(size - 5);
     if (data[0] & 1)
         fuzzEncoder(seed, text, length);
-    else
+    else if (data[0] & 0x10) {
+        const std::vector<uint8_t> built = buildText(text, static_cast<size_t>(length));
+        fuzzDecoder(settings, seed, built.data(), static_cast<long>(built.size()));
+    } else
         fuzzDecoder(settings, seed, text, length);
     return 0;
 }

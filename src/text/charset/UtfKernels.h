@@ -335,6 +335,16 @@ inline bool decodeUtf8Stretch(const uint8_t* in, long& i, long limit, long inEnd
     return true;
 }
 
+#if defined(QNCL_UTF_SSE2) && defined(__x86_64__)
+#define QNCL_UTF8_DECODE_BLOCKS 1
+// Utf8DecodeBlocks.cpp (in qncl6): the same work as the loop below, 64 bytes of mixed text at a
+// time, on processors with SSSE3, SSE4.1 and POPCNT (nothing elsewhere); it also writes U+FFFD
+// for bytes that start no sequence, as the simple loop does. It stops before a sequence that
+// needs the simple loop, or within 96 bytes of the input's end or 96 units of the output's end,
+// and may use the output below outEnd as scratch past the units it writes.
+void decodeUtf8Blocks(const uint8_t* in, long& i, long inEnd, char16_t* out, long& o, long outEnd);
+#endif
+
 // The fast form's inner loop: stretch by stretch, takes ASCII (a block at a time where it can)
 // and well-formed sequences whose value needs neither substitution nor an exception, and leaves
 // everything else to the simple loop. The positions live in locals here: stores through the
@@ -343,6 +353,9 @@ inline void decodeUtf8Common(const uint8_t* in, long& inPos, long inEnd, char16_
                              long& outPos, long outEnd) {
     long i = inPos;
     long o = outPos;
+#ifdef QNCL_UTF8_DECODE_BLOCKS
+    decodeUtf8Blocks(in, i, inEnd, out, o, outEnd);
+#endif
     for (;;) {
         // A sequence writes no more units than it has bytes, so below limit every sequence is
         // readable in full and its result fits, with no other bound check.
@@ -358,6 +371,41 @@ inline void decodeUtf8Common(const uint8_t* in, long& inPos, long inEnd, char16_
     outPos = o;
 }
 
+// The simple loop's reading of the sequence at from, whose length bytes (from its lead's entry in
+// UTF8_LENGTHS) are all readable: its value and the bytes it takes, or U+FFFD and one byte for
+// a byte that starts no sequence.
+inline int readUtf8(const uint8_t* from, int length, uint32_t& value) {
+    const uint32_t b0 = from[0];
+    switch (length) {
+    case 1:
+        value = b0;
+        return 1;
+    case 2:
+        if (isContinuation(from[1])) {
+            value = (b0 << 6) + from[1] - 0x3080u;
+            return 2;
+        }
+        break;
+    case 3:
+        if (isContinuation(from[1]) && isContinuation(from[2])) {
+            value = (((b0 << 6) + from[1]) << 6) + from[2] - 0xE2080u;
+            return 3;
+        }
+        break;
+    case 4:
+        // 0x80-0xAF only: the second byte of a four-byte form.
+        if (from[1] - 0x80u < 0x30u && isContinuation(from[2]) && isContinuation(from[3])) {
+            value = (((((b0 << 6) + from[1]) << 6) + from[2]) << 6) + from[3] - 0x3C82080u;
+            return 4;
+        }
+        break;
+    default:
+        break;
+    }
+    value = 0xFFFD;
+    return 1;
+}
+
 // UTF-8 to UTF-16 (the rules are listed in BTCUTF8.h).
 template <bool Fast, class Substitute>
 void decodeUtf8(const uint8_t* in, long& i, long inEnd, char16_t* out, long& o, long outEnd,
@@ -368,40 +416,11 @@ void decodeUtf8(const uint8_t* in, long& i, long inEnd, char16_t* out, long& o, 
             if (i >= inEnd)
                 return;
         }
-        const uint32_t b0 = in[i];
-        const int length = UTF8_LENGTHS.length[b0];
+        const int length = UTF8_LENGTHS.length[in[i]];
         if (length > inEnd - i)
             return;
-        uint32_t value = 0xFFFD;
-        int used = 1;
-        switch (length) {
-        case 1:
-            value = b0;
-            break;
-        case 2:
-            if (isContinuation(in[i + 1])) {
-                value = (b0 << 6) + in[i + 1] - 0x3080u;
-                used = 2;
-            }
-            break;
-        case 3:
-            if (isContinuation(in[i + 1]) && isContinuation(in[i + 2])) {
-                value = (((b0 << 6) + in[i + 1]) << 6) + in[i + 2] - 0xE2080u;
-                used = 3;
-            }
-            break;
-        case 4:
-            // 0x80-0xAF only: the second byte of a four-byte form.
-            if (in[i + 1] - 0x80u < 0x30u && isContinuation(in[i + 2]) &&
-                isContinuation(in[i + 3])) {
-                value =
-                    (((((b0 << 6) + in[i + 1]) << 6) + in[i + 2]) << 6) + in[i + 3] - 0x3C82080u;
-                used = 4;
-            }
-            break;
-        default:
-            break;
-        }
+        uint32_t value;
+        const int used = readUtf8(in + i, length, value);
         if (!writeDecoded(value, out, o, outEnd, substitute,
                           QN_STR_LIT(u"Invalid UTF-8 sequence (decoded chars in surrogate range)")))
             return;
