@@ -10,6 +10,11 @@
 // InvalidCharacterException "Invalid UTF-8 sequence (decoded chars in surrogate range)". A
 // sequence cut off by the input's end stays unconsumed for the next call. A substitution run
 // is written only when it ends before the output's end.
+//
+// Mixed text is decoded sixteen bytes a step where the processor allows (x86-64 with SSE4.1):
+// the results and positions are those of the one-sequence-at-a-time rules above, but a call may
+// leave scratch units in the free output room past the returned output position (never at or
+// past outEnd).
 #pragma once
 
 #include "qn/text/charset/ByteToCharConverter.h"
