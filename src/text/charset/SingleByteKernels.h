@@ -28,15 +28,16 @@
 namespace qn::text::charset::kernels {
 
 #ifdef QNCL_SB_SSSE3
-// Whether the processor has SSSE3; asked once.
-bool hasSsse3Blocks();
+// What the processor allows of the steps below, asked once: 0 neither, 1 SSSE3, 2 AVX2 as well.
+int latin1UpperBlocksLevel();
 
 // The SSSE3 step of TableBlocks for a table whose bytes 0x00-0x7F and 0xA0-0xFF map to
 // themselves: lookup holds, for the bytes 0x80-0x8F and then 0x90-0x9F, the low byte of each
 // one's unit xor the byte itself, then the high bytes of their units. Same contract as
 // TableBlocks' own step, except that it also stops before a byte mapping to U+FF00-U+FFFF.
+// level is latin1UpperBlocksLevel(), at least 1.
 void decodeLatin1UpperBlocks(const uint8_t (*lookup)[16], const unsigned char* bytes, long& i,
-                             long inEnd, char16_t* out, long& o, long outEnd);
+                             long inEnd, char16_t* out, long& o, long outEnd, int level);
 #endif
 
 // What a single-byte decoder does with an unmapped byte, from the converter's settings.
@@ -137,7 +138,7 @@ struct TableBlocks {
     const char16_t* table;
     bool latin1Upper;
 #ifdef QNCL_SB_SSSE3
-    bool ssse3;
+    int level;
     // The low and high bytes of the units of 0x80-0x9F, as decodeLatin1UpperBlocks takes them.
     alignas(16) uint8_t lookup[4][16];
 #endif
@@ -145,8 +146,8 @@ struct TableBlocks {
     TableBlocks(const char16_t* table_, bool latin1Upper_)
         : table(table_), latin1Upper(latin1Upper_) {
 #ifdef QNCL_SB_SSSE3
-        ssse3 = latin1Upper && hasSsse3Blocks();
-        if (ssse3) {
+        level = latin1Upper ? latin1UpperBlocksLevel() : 0;
+        if (level > 0) {
             // Once a call: units 0x80-0x9F split into their low and high bytes.
             __m128i units[4];
             for (int k = 0; k < 4; ++k)
@@ -173,8 +174,8 @@ struct TableBlocks {
                     [[maybe_unused]] long inEnd, [[maybe_unused]] char16_t* out,
                     [[maybe_unused]] long& o, [[maybe_unused]] long outEnd) const {
 #ifdef QNCL_SB_SSSE3
-        if (ssse3) {
-            decodeLatin1UpperBlocks(lookup, bytes, i, inEnd, out, o, outEnd);
+        if (level > 0) {
+            decodeLatin1UpperBlocks(lookup, bytes, i, inEnd, out, o, outEnd, level);
             return;
         }
 #endif
