@@ -149,3 +149,21 @@ TEST(Utf8EncodeBlocks, FaultsAndFullOutputAtEveryOffset) {
             expectOneCall(background, room, "room");
     }
 }
+
+// Runs of ASCII from none to three blocks long between a few units of the other classes, as in
+// most Western text: lone all-ASCII blocks amid the mixed ones, at every alignment.
+TEST(Utf8EncodeBlocks, AsciiRunsBetweenOtherUnits) {
+    Random random{11};
+    for (int round = 0; round < 2000; ++round) {
+        Units text;
+        const uint32_t length = 40 + random.next(200);
+        while (text.size() < length) {
+            text += Units(random.next(49), u'a' + static_cast<char16_t>(random.next(26)));
+            for (uint32_t k = 1 + random.next(3); k > 0; --k)
+                text += pickUnit(random, 4);
+        }
+        const long full = static_cast<long>(reference(text).out.size());
+        expectOneCall(text, full + 16, "whole");
+        expectOneCall(text, static_cast<long>(random.next(static_cast<uint32_t>(full) + 1)), "cut");
+    }
+}

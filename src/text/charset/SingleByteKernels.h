@@ -19,7 +19,26 @@
 #define QNCL_SB_SSE2 1
 #endif
 
+// On x86-64 code page 1252 and its kin also have an SSSE3 step, compiled apart and chosen at
+// run time (SingleByteBlocks.cpp).
+#if defined(QNCL_SB_SSE2) && defined(__x86_64__) && defined(__GNUC__)
+#define QNCL_SB_SSSE3 1
+#endif
+
 namespace qn::text::charset::kernels {
+
+#ifdef QNCL_SB_SSSE3
+// What the processor allows of the steps below, asked once: 0 neither, 1 SSSE3, 2 AVX2 as well.
+int latin1UpperBlocksLevel();
+
+// The SSSE3 step of TableBlocks for a table whose bytes 0x00-0x7F and 0xA0-0xFF map to
+// themselves: lookup holds, for the bytes 0x80-0x8F and then 0x90-0x9F, the low byte of each
+// one's unit xor the byte itself, then the high bytes of their units. Same contract as
+// TableBlocks' own step, except that it also stops before a byte mapping to U+FF00-U+FFFF.
+// level is latin1UpperBlocksLevel(), at least 1.
+void decodeLatin1UpperBlocks(const uint8_t (*lookup)[16], const unsigned char* bytes, long& i,
+                             long inEnd, char16_t* out, long& o, long outEnd, int level);
+#endif
 
 // What a single-byte decoder does with an unmapped byte, from the converter's settings.
 struct ByteSubstitution {
@@ -108,6 +127,8 @@ struct NoBlocks {
 // outside ASCII still goes a block at a time. A step stops at the first byte that maps to
 // nothing, leaving it for the per-byte loop; the units a step widened past that byte are
 // scratch in the caller's free room and are written again. Without SSE2 it takes nothing.
+// With latin1Upper and SSSE3 the 32 bytes 0x80-0x9F are looked up sixteen at a time in
+// registers instead (decodeLatin1UpperBlocks).
 struct TableBlocks {
 #ifdef QNCL_SB_SSE2
     static constexpr bool ENABLED = true;
@@ -116,10 +137,48 @@ struct TableBlocks {
 #endif
     const char16_t* table;
     bool latin1Upper;
+#ifdef QNCL_SB_SSSE3
+    int level;
+    // The low and high bytes of the units of 0x80-0x9F, as decodeLatin1UpperBlocks takes them.
+    alignas(16) uint8_t lookup[4][16];
+#endif
+
+    TableBlocks(const char16_t* table_, bool latin1Upper_)
+        : table(table_), latin1Upper(latin1Upper_) {
+#ifdef QNCL_SB_SSSE3
+        level = latin1Upper ? latin1UpperBlocksLevel() : 0;
+        if (level > 0) {
+            // Once a call: units 0x80-0x9F split into their low and high bytes.
+            __m128i units[4];
+            for (int k = 0; k < 4; ++k)
+                units[k] = _mm_loadu_si128(reinterpret_cast<const __m128i*>(table + 0x80 + 8 * k));
+            const __m128i low = _mm_set1_epi16(0xFF);
+            const __m128i lanes =
+                _mm_setr_epi8(0, 1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12, 13, 14, 15);
+            for (int half = 0; half < 2; ++half) {
+                const __m128i a = units[2 * half];
+                const __m128i b = units[2 * half + 1];
+                const __m128i values =
+                    _mm_add_epi8(lanes, _mm_set1_epi8(static_cast<char>(0x80 + 0x10 * half)));
+                _mm_store_si128(reinterpret_cast<__m128i*>(lookup[half]),
+                                _mm_xor_si128(values, _mm_packus_epi16(_mm_and_si128(a, low),
+                                                                       _mm_and_si128(b, low))));
+                _mm_store_si128(reinterpret_cast<__m128i*>(lookup[2 + half]),
+                                _mm_packus_epi16(_mm_srli_epi16(a, 8), _mm_srli_epi16(b, 8)));
+            }
+        }
+#endif
+    }
 
     void operator()([[maybe_unused]] const unsigned char* bytes, [[maybe_unused]] long& i,
                     [[maybe_unused]] long inEnd, [[maybe_unused]] char16_t* out,
                     [[maybe_unused]] long& o, [[maybe_unused]] long outEnd) const {
+#ifdef QNCL_SB_SSSE3
+        if (level > 0) {
+            decodeLatin1UpperBlocks(lookup, bytes, i, inEnd, out, o, outEnd, level);
+            return;
+        }
+#endif
 #ifdef QNCL_SB_SSE2
         const long n = std::min(inEnd - i, outEnd - o);
         const unsigned char* from = bytes + i;

@@ -18,9 +18,10 @@
 //   the first two of its pair's four bytes and the low one's the last two. A pair may straddle
 //   two steps (the high surrogate last, its low one first in the next block): the next step
 //   takes the high one from the previous block.
-// With AVX2, blocks of sixteen units not all ASCII go as the last three kinds in one step (the
-// lanes are the same; a high surrogate last in the block waits for the next step, so no pair
-// straddles two), as long as 32 units of the stretch are left.
+// With AVX2, blocks of sixteen units go as the last three kinds in one step (the lanes are the
+// same; a high surrogate last in the block waits for the next step, so no pair straddles two),
+// or packed when all ASCII but not followed by another such block, as long as 32 units of the
+// stretch are left.
 // A block holding a surrogate that is not half of a pair (a lone low one, a high one not
 // followed by a low one) goes unit by unit through the same scalar step as encodeUtf8Common,
 // which stops before such a surrogate for the simple loop; a pair straddling the step before
@@ -201,10 +202,10 @@ QNCL_AVX2 inline __m256i set(int value) {
     return _mm256_set1_epi16(static_cast<short>(value));
 }
 
-// Sixteen units a step, any mix that is not all ASCII, from in[i] into out[o] while at least 32
-// units of the stretch are left: the same lanes as the eight-unit steps (a high surrogate last
-// in the block is left for the next step, so that no pair straddles two). Stops before a block
-// all ASCII or with a surrogate that is not half of a pair, for the eight-unit steps. Positions
+// Sixteen units a step, any mix, from in[i] into out[o] while at least 32 units of the stretch
+// are left: the same lanes as the eight-unit steps (a high surrogate last in the block is left
+// for the next step, so that no pair straddles two). Stops before two blocks all ASCII or a
+// block with a surrogate that is not half of a pair, for the eight-unit steps. Positions
 // come and go by value: a reference would put them in memory.
 QNCL_AVX2 __attribute__((noinline)) Positions encodeWideRun(const char16_t* in, long i, long end,
                                                             uint8_t* out, long o) {
@@ -215,11 +216,22 @@ QNCL_AVX2 __attribute__((noinline)) Positions encodeWideRun(const char16_t* in, 
         const __m256i ascii = _mm256_cmpeq_epi16(_mm256_and_si256(units, set(0xFF80)), zero);
         if (_mm256_movemask_epi8(below) == -1) {
             // All below U+0800: one or two bytes a lane, as in encodeTwoByteLanes, eight lanes
-            // to each half of the register; a block all ASCII ends the run.
+            // to each half of the register. A block all ASCII is packed here, the short runs
+            // between the letters of most text never leaving the loop; one followed by another
+            // ends the run, for the ASCII loop.
             const uint32_t asciiBits =
                 static_cast<uint32_t>(_mm256_movemask_epi8(_mm256_packs_epi16(ascii, ascii)));
-            if (asciiBits == 0xFFFFFFFFu)
-                break;
+            if (asciiBits == 0xFFFFFFFFu) {
+                const __m256i next =
+                    _mm256_loadu_si256(reinterpret_cast<const __m256i*>(in + i + 16));
+                if (_mm256_testz_si256(next, set(0xFF80)))
+                    break;
+                store(out + o, _mm_packus_epi16(_mm256_castsi256_si128(units),
+                                                _mm256_extracti128_si256(units, 1)));
+                o += 16;
+                i += 16;
+                continue;
+            }
             const unsigned index0 = ~asciiBits & 0xFFu;
             const unsigned index1 = (~asciiBits >> 16) & 0xFFu;
             const __m256i two = _mm256_or_si256(

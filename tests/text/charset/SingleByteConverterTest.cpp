@@ -9,6 +9,7 @@
 #include "qn/text/charset/BTCCP1252.h"
 #include "qn/text/charset/BTCCP437.h"
 #include "qn/text/charset/BTCISO8859_1.h"
+#include "qn/text/charset/BTCSingleByteTable.h"
 #include "qn/text/charset/CTBASCII.h"
 #include "qn/text/charset/CTBCP1252.h"
 #include "qn/text/charset/CTBCP437.h"
@@ -221,6 +222,40 @@ TEST(SingleByteConverterTest, FastPathsMatchTheHooksInRandomPieces) {
             isHighSurrogate(text[static_cast<size_t>(wanted.failedAt)]))
             got.failedAt = wanted.failedAt;
         EXPECT_EQ(got, wanted) << "encoder round " << round;
+    }
+}
+
+// A table like code page 1252's (ASCII and 0xA0-0xFF themselves) whose bytes 0x80-0x9F take
+// every kind of unit: none (U+FFFD), themselves, other units with a high byte of 0xFF, and
+// letters and symbols elsewhere; the block path looks them up sixteen at a time.
+TEST(SingleByteConverterTest, UpperHalfLookupsMatchTheHooks) {
+    static const char16_t* const table = [] {
+        static char16_t units[256];
+        for (int b = 0; b < 256; ++b)
+            units[b] = static_cast<char16_t>(b);
+        const char16_t upper[32] = {0xFFFD, 0x0081, 0xFF01, 0x20AC, 0xFFFF, 0x0192, 0xFFFD, 0x2122,
+                                    0xFF80, 0x0100, 0x008A, 0xFFFE, 0x0160, 0xFFFD, 0x017D, 0x0000,
+                                    0xFFFD, 0x2018, 0x2019, 0x201C, 0x201D, 0xFF9F, 0x2013, 0x2014,
+                                    0x02DC, 0x0099, 0x0161, 0x203A, 0x0153, 0xFFFD, 0x017E, 0x0178};
+        std::copy(upper, upper + 32, units + 0x80);
+        return units;
+    }();
+    BTCSingleByteTable decoder(u"Test", table);
+    std::mt19937 random(13);
+    for (int round = 0; round < 400; ++round) {
+        decoder.setSubstitutionMode(round % 3 != 2);
+        Bytes in(std::uniform_int_distribution<size_t>(0, 120)(random));
+        for (signed char& b : in) {
+            const unsigned kind = random() % 8;
+            b = static_cast<signed char>(kind < 4   ? random() % 0x80
+                                         : kind < 7 ? 0x80 + random() % 0x20
+                                                    : random() % 0x100);
+        }
+        HookDecoder hook(decoder);
+        const long room = std::uniform_int_distribution<long>(1, 140)(random);
+        EXPECT_EQ(decodeAll(decoder, in, randomSplits(random, static_cast<long>(in.size())), room),
+                  decodeAll(hook, in))
+            << "round " << round;
     }
 }
 

@@ -15,8 +15,10 @@ public:
 
     // The same results as BTCSingleByte::convert, reading the table directly. When the table
     // maps ASCII to itself, sixteen bytes go a step (words of ASCII where SSE2 is absent) and
-    // only the other bytes are looked up; such a call may leave scratch units in the free room
-    // past the returned output position (never at or past outEnd).
+    // only the other bytes are looked up; when it maps 0xA0-0xFF to themselves too (code page
+    // 1252), the bytes 0x80-0x9F are looked up in registers, sixteen bytes a step with SSSE3
+    // and 32 with AVX2 (x86-64, chosen at run time). Such a call may leave scratch units in
+    // the free room past the returned output position (never at or past outEnd).
     long convert(const signed char* in, long* inPos, long inEnd, char16_t* out, long* outPos,
                  long outEnd) override;
     const char16_t* getEncodingName() const override;
