@@ -8,34 +8,15 @@
 #ifdef QNCL_SB_SSSE3
 
 #include <tmmintrin.h>
-
-#define QNCL_SSSE3 __attribute__((target("ssse3")))
-
-#ifndef _WIN32
+#ifdef QNCL_SIMD_WIDE
 #include <immintrin.h>
-#define QNCL_SB_WIDE 1
-#define QNCL_AVX2 __attribute__((target("avx2")))
 #endif
 
 namespace qn::text::charset::kernels {
 
-int latin1UpperBlocksLevel() {
-    static const int level = [] {
-        __builtin_cpu_init();
-        if (__builtin_cpu_supports("ssse3") == 0)
-            return 0;
-#ifdef QNCL_SB_WIDE
-        if (__builtin_cpu_supports("avx2") != 0)
-            return 2;
-#endif
-        return 1;
-    }();
-    return level;
-}
-
 namespace {
 
-#ifdef QNCL_SB_WIDE
+#ifdef QNCL_SIMD_WIDE
 // 32 bytes a step while they last, as the sixteen-byte loop below does them; returns how many
 // bytes it took (stopping before a byte whose unit has the high byte 0xFF).
 QNCL_AVX2 __attribute__((noinline)) long
@@ -87,7 +68,7 @@ decodeWide(const uint8_t (*lookup)[16], const unsigned char* from, char16_t* to,
 
 } // namespace
 
-QNCL_SSSE3 void decodeLatin1UpperBlocks(const uint8_t (*lookup)[16], const unsigned char* bytes,
+QNCL_SSE41 void decodeLatin1UpperBlocks(const uint8_t (*lookup)[16], const unsigned char* bytes,
                                         long& i, long inEnd, char16_t* out, long& o, long outEnd,
                                         int level) {
     const auto load = [](const void* from) {
@@ -108,7 +89,7 @@ QNCL_SSSE3 void decodeLatin1UpperBlocks(const uint8_t (*lookup)[16], const unsig
     // Signed, the bytes 0x80-0x9F are the ones below 0xA0.
     const __m128i bound = _mm_set1_epi8(static_cast<char>(0xA0));
     long k = 0;
-#ifdef QNCL_SB_WIDE
+#ifdef QNCL_SIMD_WIDE
     if (level >= 2 && n >= 32) {
         k = decodeWide(lookup, from, to, n);
         if (k + 32 <= n) {

@@ -21,21 +21,19 @@
 
 // On x86-64 code page 1252 and its kin also have an SSSE3 step, compiled apart and chosen at
 // run time (SingleByteBlocks.cpp).
-#if defined(QNCL_SB_SSE2) && defined(__x86_64__) && defined(__GNUC__)
+#include "SimdLevel.h"
+#if defined(QNCL_SB_SSE2) && defined(QNCL_SIMD_BLOCKS)
 #define QNCL_SB_SSSE3 1
 #endif
 
 namespace qn::text::charset::kernels {
 
 #ifdef QNCL_SB_SSSE3
-// What the processor allows of the steps below, asked once: 0 neither, 1 SSSE3, 2 AVX2 as well.
-int latin1UpperBlocksLevel();
-
 // The SSSE3 step of TableBlocks for a table whose bytes 0x00-0x7F and 0xA0-0xFF map to
 // themselves: lookup holds, for the bytes 0x80-0x8F and then 0x90-0x9F, the low byte of each
 // one's unit xor the byte itself, then the high bytes of their units. Same contract as
 // TableBlocks' own step, except that it also stops before a byte mapping to U+FF00-U+FFFF.
-// level is latin1UpperBlocksLevel(), at least 1.
+// level is simdLevel(), at least 1.
 void decodeLatin1UpperBlocks(const uint8_t (*lookup)[16], const unsigned char* bytes, long& i,
                              long inEnd, char16_t* out, long& o, long outEnd, int level);
 #endif
@@ -146,7 +144,7 @@ struct TableBlocks {
     TableBlocks(const char16_t* table_, bool latin1Upper_)
         : table(table_), latin1Upper(latin1Upper_) {
 #ifdef QNCL_SB_SSSE3
-        level = latin1Upper ? latin1UpperBlocksLevel() : 0;
+        level = latin1Upper ? simdLevel() : 0;
         if (level > 0) {
             // Once a call: units 0x80-0x9F split into their low and high bytes.
             __m128i units[4];

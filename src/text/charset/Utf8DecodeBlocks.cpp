@@ -56,8 +56,6 @@ struct CompressTable {
 
 constexpr CompressTable COMPRESS{};
 
-#define QNCL_SSE41 __attribute__((target("ssse3,sse4.1,popcnt")))
-
 // One byte per position, nonzero where the block at bytes (read as if ASCII came before it) has
 // a fault; see the top of the file. Three nibble tables classify each pair of neighbours (the
 // bits below); the third and fourth bytes of long forms are checked against the leads two and
@@ -332,17 +330,10 @@ QNCL_SSE41 void decodeBlocks(const uint8_t* in, long& inPos, long inEnd, char16_
     outPos = o;
 }
 
-bool cpuHasBlocks() {
-    __builtin_cpu_init();
-    return __builtin_cpu_supports("ssse3") && __builtin_cpu_supports("sse4.1") &&
-           __builtin_cpu_supports("popcnt");
-}
-
 } // namespace
 
 void decodeUtf8Blocks(const uint8_t* in, long& i, long inEnd, char16_t* out, long& o, long outEnd) {
-    static const bool usable = cpuHasBlocks();
-    if (usable)
+    if (simdLevel() > 0)
         decodeBlocks(in, i, inEnd, out, o, outEnd);
 }
 

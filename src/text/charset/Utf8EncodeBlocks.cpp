@@ -34,15 +34,8 @@
 
 #include <smmintrin.h>
 #include <tmmintrin.h>
-
-#define QNCL_SSE41 __attribute__((target("ssse3,sse4.1")))
-
-// Sixteen-unit steps with AVX2, on Linux only: GCC on Windows does not align the stack for
-// spilled 32-byte vectors.
-#ifndef _WIN32
+#ifdef QNCL_SIMD_WIDE
 #include <immintrin.h>
-#define QNCL_UTF_ENCODE_WIDE 1
-#define QNCL_AVX2 __attribute__((target("avx2")))
 #endif
 
 namespace qn::text::charset::utf {
@@ -197,7 +190,7 @@ struct Positions {
     long o;
 };
 
-#ifdef QNCL_UTF_ENCODE_WIDE
+#ifdef QNCL_SIMD_WIDE
 QNCL_AVX2 inline __m256i set(int value) {
     return _mm256_set1_epi16(static_cast<short>(value));
 }
@@ -368,7 +361,7 @@ QNCL_SSE41 inline bool encodeStretch(const char16_t* in, long& i, long end, uint
             }
             continue;
         }
-#ifdef QNCL_UTF_ENCODE_WIDE
+#ifdef QNCL_SIMD_WIDE
         if (wide && end - i >= 32) {
             const Positions reached = encodeWideRun(in, i, end, out, o);
             if (reached.i != i) {
@@ -446,20 +439,6 @@ QNCL_SSE41 void encodeBlocks(const char16_t* in, long& inPos, long inEnd, uint8_
 }
 
 } // namespace
-
-int encodeUtf8BlocksLevel() {
-    static const int level = [] {
-        __builtin_cpu_init();
-        if (__builtin_cpu_supports("ssse3") == 0 || __builtin_cpu_supports("sse4.1") == 0)
-            return 0;
-#ifdef QNCL_UTF_ENCODE_WIDE
-        if (__builtin_cpu_supports("avx2") != 0)
-            return 2;
-#endif
-        return 1;
-    }();
-    return level;
-}
 
 void encodeUtf8Blocks(const char16_t* in, long& inPos, long inEnd, uint8_t* out, long& outPos,
                       long outEnd, int level) {

@@ -11,6 +11,8 @@
 
 #include "qn/core/Exception.h"
 
+#include "SimdLevel.h"
+
 #include <algorithm>
 #include <cstdint>
 #include <cstring>
@@ -335,7 +337,7 @@ inline bool decodeUtf8Stretch(const uint8_t* in, long& i, long limit, long inEnd
     return true;
 }
 
-#if defined(QNCL_UTF_SSE2) && defined(__x86_64__)
+#if defined(QNCL_UTF_SSE2) && defined(QNCL_SIMD_BLOCKS)
 #define QNCL_UTF8_DECODE_BLOCKS 1
 // Utf8DecodeBlocks.cpp (in qncl6): the same work as the loop below, 64 bytes of mixed text at a
 // time, on processors with SSSE3, SSE4.1 and POPCNT (nothing elsewhere); it also writes U+FFFD
@@ -575,13 +577,11 @@ inline void encodeUtf8Common(const char16_t* in, long& inPos, long inEnd, uint8_
 }
 
 // On x86-64 the encoder also has SSE4.1 and AVX2 blocks, compiled apart and chosen at run time.
-#if defined(QNCL_UTF_SSE2) && defined(__x86_64__)
+#if defined(QNCL_UTF_SSE2) && defined(QNCL_SIMD_BLOCKS)
 #define QNCL_UTF_ENCODE_BLOCKS 1
 // Utf8EncodeBlocks.cpp: the same contract as encodeUtf8Common, eight units a step in SSSE3 and
-// SSE4.1 whatever their mix (level 1), and sixteen in AVX2 (level 2, Linux only).
-// encodeUtf8BlocksLevel says, once, what the processor allows (0: neither); encodeUtf8Blocks
-// takes a level it allows.
-int encodeUtf8BlocksLevel();
+// SSE4.1 whatever their mix (level 1), and sixteen in AVX2 (level 2, Linux only); it takes a
+// level simdLevel() allows.
 void encodeUtf8Blocks(const char16_t* in, long& inPos, long inEnd, uint8_t* out, long& outPos,
                       long outEnd, int level);
 #endif
@@ -596,7 +596,7 @@ void encodeUtf8(const char16_t* in, long& i, long inEnd, uint8_t* out, long& o, 
         if constexpr (Fast) {
             if (pending == 0) {
 #ifdef QNCL_UTF_ENCODE_BLOCKS
-                const int level = std::min(Blocks, encodeUtf8BlocksLevel());
+                const int level = std::min(Blocks, simdLevel());
                 if (level > 0)
                     encodeUtf8Blocks(in, i, inEnd, out, o, outEnd, level);
                 else

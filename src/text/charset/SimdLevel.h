@@ -1,0 +1,34 @@
+// The x86-64 block steps of the converters: the target attributes they are compiled with and
+// what the processor allows of them, asked once. The 256-bit steps are left out on Windows: GCC
+// on Win64 does not align the stack for spilled 32-byte vectors.
+#pragma once
+
+#if defined(__x86_64__) && defined(__GNUC__)
+#define QNCL_SIMD_BLOCKS 1
+#define QNCL_SSE41 __attribute__((target("ssse3,sse4.1,popcnt")))
+#ifndef _WIN32
+#define QNCL_SIMD_WIDE 1
+#define QNCL_AVX2 __attribute__((target("avx2")))
+#endif
+
+namespace qn::text::charset {
+
+// 0: no block steps; 1: SSSE3, SSE4.1 and POPCNT; 2: AVX2 as well (only where QNCL_SIMD_WIDE).
+inline int simdLevel() {
+    static const int level = [] {
+        __builtin_cpu_init();
+        if (!__builtin_cpu_supports("ssse3") || !__builtin_cpu_supports("sse4.1") ||
+            !__builtin_cpu_supports("popcnt"))
+            return 0;
+#ifdef QNCL_SIMD_WIDE
+        if (__builtin_cpu_supports("avx2"))
+            return 2;
+#endif
+        return 1;
+    }();
+    return level;
+}
+
+} // namespace qn::text::charset
+
+#endif
