@@ -7,6 +7,7 @@
 // Input: byte 0 = buffer size, byte 1 = whether available() tells, bytes 2.. = the operations
 // (an operation byte and an argument byte, neither 0) up to a zero byte; after it, the data.
 // The wrapped stream's read sizes are taken from the operation bytes in turn.
+#include "ShortReads.h"
 #include "qn/io/BufferedInputStream.h"
 
 #include <algorithm>
@@ -23,30 +24,6 @@ void check(bool condition) {
     if (!condition)
         std::abort();
 }
-
-class ShortReads : public InputStream {
-public:
-    ShortReads(const uint8_t* data, size_t size, const uint8_t* sizes, size_t count, bool tells)
-        : m_data(data), m_size(size), m_sizes(sizes), m_count(count), m_tells(tells) {}
-    using InputStream::read;
-    long read(signed char* buf, long len) override {
-        if (m_pos >= m_size)
-            return -1;
-        const long most = m_count ? 1 + m_sizes[m_next++ % m_count] % 64 : len;
-        const long n = std::min({len, most, static_cast<long>(m_size - m_pos)});
-        std::memcpy(buf, m_data + m_pos, static_cast<size_t>(n));
-        m_pos += static_cast<size_t>(n);
-        return n;
-    }
-    long available() override { return m_tells ? static_cast<long>(m_size - m_pos) : 0; }
-
-private:
-    const uint8_t* m_data;
-    size_t m_size, m_pos = 0;
-    const uint8_t* m_sizes;
-    size_t m_count, m_next = 0;
-    bool m_tells;
-};
 
 struct Model {
     size_t size;
@@ -69,8 +46,8 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* input, size_t size) {
     const uint8_t* data = ops + opCount + (end ? 1 : 0);
     const size_t dataSize = static_cast<size_t>(input + size - data);
 
-    Reference<BufferedInputStream> in =
-        new BufferedInputStream(new ShortReads(data, dataSize, ops, opCount, tells), bufferSize);
+    Reference<BufferedInputStream> in = new BufferedInputStream(
+        new fuzzsupport::ShortReads(data, dataSize, ops, opCount, tells, 64), bufferSize);
     Model model{dataSize};
     std::vector<signed char> buf(300);
     for (size_t i = 0; i + 1 < opCount; i += 2) {

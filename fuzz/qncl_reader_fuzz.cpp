@@ -8,6 +8,7 @@
 // Input: byte 0 = encoding, byte 1 = byte-buffer size, byte 2 = whether available() tells,
 // byte 3 = number n of size bytes (at most 32), then n bytes of read sizes (the stream's, in
 // turn), then n bytes of operations, then the data.
+#include "ShortReads.h"
 #include "qn/io/BufferedReader.h"
 #include "qn/io/InputStreamReader.h"
 
@@ -28,32 +29,8 @@ void check(bool condition) {
         std::abort();
 }
 
-const char16_t* const ENCODINGS[] = {u"UTF-8",  u"UTF-16LE",  u"UTF-16BE", u"UTF-32LE",
-                                     u"AMP-7",  u"CP1252",    u"ASCII",    u"UTF-32BE"};
-
-class ShortReads : public InputStream {
-public:
-    ShortReads(const uint8_t* data, size_t size, const uint8_t* sizes, size_t count, bool tells)
-        : m_data(data), m_size(size), m_sizes(sizes), m_count(count), m_tells(tells) {}
-    using InputStream::read;
-    long read(signed char* buf, long len) override {
-        if (m_pos >= m_size)
-            return -1;
-        const long most = m_count ? 1 + m_sizes[m_next++ % m_count] % 32 : len;
-        const long n = std::min({len, most, static_cast<long>(m_size - m_pos)});
-        std::memcpy(buf, m_data + m_pos, static_cast<size_t>(n));
-        m_pos += static_cast<size_t>(n);
-        return n;
-    }
-    long available() override { return m_tells ? static_cast<long>(m_size - m_pos) : 0; }
-
-private:
-    const uint8_t* m_data;
-    size_t m_size, m_pos = 0;
-    const uint8_t* m_sizes;
-    size_t m_count, m_next = 0;
-    bool m_tells;
-};
+const char16_t* const ENCODINGS[] = {u"UTF-8", u"UTF-16LE", u"UTF-16BE", u"UTF-32LE",
+                                     u"AMP-7", u"CP1252",   u"ASCII",    u"UTF-32BE"};
 
 // The whole input decoded in one call; refused is set when the decoder threw.
 std::u16string decodeWhole(const char16_t* encoding, const uint8_t* data, size_t size,
@@ -97,8 +74,8 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* input, size_t size) {
     const std::u16string expected = decodeWhole(encoding, data, dataSize, refused);
 
     Reference<BufferedReader> reader = new BufferedReader(
-        new InputStreamReader(new ShortReads(data, dataSize, sizes, count, tells), encoding,
-                              byteBuffer),
+        new InputStreamReader(new fuzzsupport::ShortReads(data, dataSize, sizes, count, tells, 32),
+                              encoding, byteBuffer),
         16 + (count ? ops[0] % 16 : 0));
     size_t at = 0; // the model: how far into expected the reader is
     bool threw = false;
