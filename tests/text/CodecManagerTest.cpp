@@ -4,7 +4,9 @@
 #include "qn/text/charset/CTBUTF8.h"
 #include "qn/text/charset/QnEncInfo.h"
 
-#include "text/ConverterSupport.h"
+#include "text/charset/ConverterHarness.h"
+
+#include <gtest/gtest.h>
 
 #include <atomic>
 #include <cstring>
@@ -13,7 +15,7 @@
 
 using namespace qn;
 using namespace qn::text::charset;
-using namespace charsettest;
+using charset_test::textOf;
 
 namespace {
 

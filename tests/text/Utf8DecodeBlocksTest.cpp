@@ -4,7 +4,9 @@
 // input and output that end at every offset, calls that start anywhere, and long mixed texts.
 #include "qn/text/charset/BTCUTF8.h"
 
-#include "text/ConverterSupport.h"
+#include "text/charset/ConverterHarness.h"
+
+#include <gtest/gtest.h>
 #include "text/Utf8Faults.h"
 
 #include <cstdint>
@@ -13,6 +15,9 @@
 using namespace qn;
 using namespace qn::text::charset;
 using namespace charsettest;
+using charset_test::Bytes;
+using charset_test::raw;
+using charset_test::Units;
 
 namespace {
 

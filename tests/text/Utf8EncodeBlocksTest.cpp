@@ -3,13 +3,17 @@
 // every offset of a block, and the output running out at every byte.
 #include "qn/text/charset/CTBUTF8.h"
 
-#include "text/ConverterSupport.h"
+#include "text/charset/ConverterHarness.h"
+
+#include <gtest/gtest.h>
 
 #include <cstdint>
 
 using namespace qn;
 using namespace qn::text::charset;
-using namespace charsettest;
+using charset_test::Bytes;
+using charset_test::raw;
+using charset_test::Units;
 
 namespace {
 

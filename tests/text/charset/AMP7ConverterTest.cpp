@@ -94,15 +94,15 @@ TEST(AMP7ConverterTest, StopsBeforeWhatDoesNotFit) {
     for (long end = 2; end < static_cast<long>(in.size()); ++end) {
         char16_t out[8];
         long inPos = 0, outPos = 0;
-        EXPECT_EQ(decoder.convert(in.data(), &inPos, end, out, &outPos, 8), 1) << end;
+        EXPECT_EQ(decoder.convert(raw(in), &inPos, end, out, &outPos, 8), 1) << end;
         EXPECT_EQ(inPos, 1) << end;
     }
     // A surrogate pair needs two slots.
     char16_t out[8];
     long inPos = 1, outPos = 0;
-    EXPECT_EQ(decoder.convert(in.data(), &inPos, 9, out, &outPos, 1), 0);
+    EXPECT_EQ(decoder.convert(raw(in), &inPos, 9, out, &outPos, 1), 0);
     EXPECT_EQ(inPos, 1);
-    EXPECT_EQ(decoder.convert(in.data(), &inPos, 9, out, &outPos, 2), 2);
+    EXPECT_EQ(decoder.convert(raw(in), &inPos, 9, out, &outPos, 2), 2);
     EXPECT_EQ(inPos, 9);
 
     // Substitution stops when the run would reach or pass the output end: a one-unit run with
@@ -110,9 +110,9 @@ TEST(AMP7ConverterTest, StopsBeforeWhatDoesNotFit) {
     const Bytes bad = bytes("\xFF");
     inPos = 0;
     outPos = 0;
-    EXPECT_EQ(decoder.convert(bad.data(), &inPos, 1, out, &outPos, 1), 0);
+    EXPECT_EQ(decoder.convert(raw(bad), &inPos, 1, out, &outPos, 1), 0);
     EXPECT_EQ(inPos, 0);
-    EXPECT_EQ(decoder.convert(bad.data(), &inPos, 1, out, &outPos, 2), 1);
+    EXPECT_EQ(decoder.convert(raw(bad), &inPos, 1, out, &outPos, 2), 1);
 
     CTBAMP7 encoder;
     const Units text = u"\u00E9&";

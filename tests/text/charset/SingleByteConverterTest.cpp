@@ -166,11 +166,11 @@ TEST(SingleByteConverterTest, UpperHalfLookupsMatchTheHooks) {
     for (int round = 0; round < 400; ++round) {
         decoder.setSubstitutionMode(round % 3 != 2);
         Bytes in(std::uniform_int_distribution<size_t>(0, 120)(random));
-        for (signed char& b : in) {
+        for (unsigned char& b : in) {
             const unsigned kind = random() % 8;
-            b = static_cast<signed char>(kind < 4   ? random() % 0x80
-                                         : kind < 7 ? 0x80 + random() % 0x20
-                                                    : random() % 0x100);
+            b = static_cast<unsigned char>(kind < 4   ? random() % 0x80
+                                           : kind < 7 ? 0x80 + random() % 0x20
+                                                      : random() % 0x100);
         }
         HookDecoder hook(decoder);
         const long room = std::uniform_int_distribution<long>(1, 140)(random);
