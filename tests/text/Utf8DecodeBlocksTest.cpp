@@ -4,10 +4,10 @@
 // input and output that end at every offset, calls that start anywhere, and long mixed texts.
 #include "qn/text/charset/BTCUTF8.h"
 
+#include "text/Utf8Faults.h"
 #include "text/charset/ConverterHarness.h"
 
 #include <gtest/gtest.h>
-#include "text/Utf8Faults.h"
 
 #include <cstdint>
 #include <string>
