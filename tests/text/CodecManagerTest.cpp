@@ -4,16 +4,16 @@
 #include "qn/text/charset/CTBUTF8.h"
 #include "qn/text/charset/QnEncInfo.h"
 
-#include "text/ConverterSupport.h"
+#include "text/charset/ConverterHarness.h"
 
-#include <atomic>
-#include <cstring>
+#include <gtest/gtest.h>
+
 #include <string>
 #include <vector>
 
 using namespace qn;
 using namespace qn::text::charset;
-using namespace charsettest;
+using charset_test::textOf;
 
 namespace {
 
@@ -111,76 +111,6 @@ TEST(CodecManager, FirstRegistrationWinsAndMissingClassesGiveNothing) {
     EXPECT_TRUE(dynamic_cast<BTCUTF8*>(CodecManager::getInstance()->getDecoder(u"utf8").get()));
     EXPECT_EQ(QNEnumerateEncInfo(&count, nullptr), QN_E_BUFFERTOOSMALL);
     EXPECT_EQ(count, 28u);
-}
-
-namespace {
-
-// A codec plug-in stand-in: the object the component layer creates, counted so that the test
-// sees who holds it.
-struct FakeCodec : IQNUnknown {
-    std::atomic<uint32_t> count{0};
-    QNRESULT QN_STDCALL QueryInterface(const QNGUID&, void** out) override {
-        *out = this;
-        AddRef();
-        return QN_S_OK;
-    }
-    uint32_t QN_STDCALL AddRef() override { return ++count; }
-    uint32_t QN_STDCALL Release() override { return --count; }
-};
-
-struct FakeFactory : IQNClassFactory {
-    FakeCodec codec;
-    QNGUID lastIid{};
-    QNRESULT QN_STDCALL QueryInterface(const QNGUID&, void** out) override {
-        *out = this;
-        return QN_S_OK;
-    }
-    uint32_t QN_STDCALL AddRef() override { return 2; }
-    uint32_t QN_STDCALL Release() override { return 1; }
-    QNRESULT QN_STDCALL CreateInstance(IQNUnknown*, const QNGUID& iid, void** out) override {
-        lastIid = iid;
-        return codec.QueryInterface(iid, out);
-    }
-    QNRESULT QN_STDCALL LockServer(int32_t) override { return QN_S_OK; }
-};
-
-IQNUnknown* s_wrapped = nullptr;
-uint32_t s_countWhileWrapping = 0;
-
-Reference<ByteToCharConverter> wrapDecoder(IQNUnknown* codec) {
-    s_wrapped = codec;
-    s_countWhileWrapping = codec->AddRef() - 1;
-    codec->Release();
-    return new BTCUTF8;
-}
-Reference<CharToByteConverter> wrapEncoder(IQNUnknown* codec) {
-    s_wrapped = codec;
-    return new CTBUTF8;
-}
-
-} // namespace
-
-TEST(CodecManager, PlugInsAreFoundByProgramIdWithTheNameAsGiven) {
-    static const QNGUID clsid = {
-        0x5A1E0C3D, 0x2B44, 0x4C1A, {0x9E, 0x01, 0x6D, 0x22, 0x8F, 0x10, 0xAA, 0x07}};
-    FakeFactory factory;
-    ASSERT_EQ(QNComRegisterClassObject(&clsid, w(u"Solvantic.CharCodec.x-Test"), &factory),
-              QN_S_OK);
-    CodecManager::setPlugInWrappers(&wrapDecoder, &wrapEncoder);
-    Reference<ByteToCharConverter> decoder = ByteToCharConverter::getConverter(u"x-Test");
-    EXPECT_TRUE(dynamic_cast<BTCUTF8*>(decoder.get()));
-    EXPECT_EQ(s_wrapped, &factory.codec);
-    EXPECT_EQ(s_countWhileWrapping, 1u); // the creation reference, released afterwards
-    EXPECT_EQ(factory.codec.count.load(), 0u);
-    EXPECT_EQ(std::memcmp(&factory.lastIid, &CodecManager::PLUGIN_IID, sizeof(QNGUID)), 0);
-    EXPECT_TRUE(CharToByteConverter::getConverter(u"x-Test"));
-    // The program id keeps the case the caller gave; registered names come first.
-    EXPECT_THROW(ByteToCharConverter::getConverter(u"X-TEST"), UnknownEncodingException);
-    s_wrapped = nullptr;
-    EXPECT_TRUE(ByteToCharConverter::getConverter(u"utf-8"));
-    EXPECT_EQ(s_wrapped, nullptr);
-    CodecManager::setPlugInWrappers(nullptr, nullptr);
-    EXPECT_EQ(QNComRevokeClassObject(&clsid), QN_S_OK);
 }
 
 TEST(EncInfo, EnumerationAndItsSizeQuery) {

@@ -1,13 +1,15 @@
 #include "qn/core/String.h"
 #include "qn/util/RWByteBuffer.h"
 
-#include "text/ConverterSupport.h"
+#include "text/charset/ConverterHarness.h"
+
+#include <gtest/gtest.h>
 
 #include <cstring>
 
 using namespace qn;
 using namespace qn::text::charset;
-using charsettest::textOf;
+using charset_test::textOf;
 
 TEST(StringBytes, DecodesEightBitTextInTheNamedEncoding) {
     EXPECT_EQ(textOf(String("h\xC3\xA9llo", -1, u"UTF-8")), u"h\u00E9llo");

@@ -4,8 +4,10 @@
 // input and output that end at every offset, calls that start anywhere, and long mixed texts.
 #include "qn/text/charset/BTCUTF8.h"
 
-#include "text/ConverterSupport.h"
 #include "text/Utf8Faults.h"
+#include "text/charset/ConverterHarness.h"
+
+#include <gtest/gtest.h>
 
 #include <cstdint>
 #include <string>
@@ -13,6 +15,9 @@
 using namespace qn;
 using namespace qn::text::charset;
 using namespace charsettest;
+using charset_test::Bytes;
+using charset_test::raw;
+using charset_test::Units;
 
 namespace {
 
@@ -143,36 +148,5 @@ TEST(Utf8DecodeBlocks, InputAndOutputEndAtEveryOffset) {
         // Calls that start anywhere, so that chunks fall on every alignment.
         for (long start = 0; start <= 70; ++start)
             expectSame(text, start, size, size + 8, true, "start");
-    }
-}
-
-// Long texts of every script with rare faults, in random places, decoded with calls that start,
-// stop and run out of room anywhere.
-TEST(Utf8DecodeBlocks, LongMixedTextsWithRareFaults) {
-    const char* const pieces[] = {"a", "Z",  " ",  ".", "é", "ß",    "Ж",
-                                  "Ω", "中", "。", "€", "😀", "🏽", "\xEF\xBF\xBF"};
-    uint32_t state = 12345;
-    auto next = [&state](uint32_t bound) {
-        state = state * 1664525u + 1013904223u;
-        return (state >> 8) % bound;
-    };
-    for (int round = 0; round < 400; ++round) {
-        // Each round draws from one script or all of them.
-        const uint32_t from = next(2) ? 0 : next(12);
-        const uint32_t count = 14 - from;
-        const uint32_t faultPerMille = next(3) == 0 ? 0 : 1 + next(30);
-        Bytes text;
-        const size_t size = 100 + next(900);
-        while (text.size() < size) {
-            const Bytes piece = bytesOf(next(1000) < faultPerMille ? UTF8_FAULTS[next(16)]
-                                                                   : pieces[from + next(count)]);
-            text.insert(text.end(), piece.begin(), piece.end());
-        }
-        const long length = static_cast<long>(text.size());
-        const long start = next(20);
-        const long end = length - static_cast<long>(next(8));
-        const long cap =
-            next(4) == 0 ? static_cast<long>(next(static_cast<uint32_t>(length))) : length + 8;
-        expectSame(text, start, end, cap, next(4) != 0, "round " + std::to_string(round));
     }
 }

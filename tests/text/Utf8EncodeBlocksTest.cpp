@@ -3,13 +3,17 @@
 // every offset of a block, and the output running out at every byte.
 #include "qn/text/charset/CTBUTF8.h"
 
-#include "text/ConverterSupport.h"
+#include "text/charset/ConverterHarness.h"
+
+#include <gtest/gtest.h>
 
 #include <cstdint>
 
 using namespace qn;
 using namespace qn::text::charset;
-using namespace charsettest;
+using charset_test::Bytes;
+using charset_test::raw;
+using charset_test::Units;
 
 namespace {
 
@@ -72,51 +76,7 @@ void expectOneCall(const Units& in, long room, const char* what) {
         ASSERT_EQ(out[k], 0x5A) << what << " room " << room;
 }
 
-// A small deterministic generator, so that a failure names a reproducible case.
-struct Random {
-    uint32_t state;
-    uint32_t next(uint32_t limit) {
-        state = state * 1664525u + 1013904223u;
-        return (state >> 8) % limit;
-    }
-};
-
-// Units of each class, at and near the class boundaries, and whole pairs.
-Units pickUnit(Random& random, uint32_t mix) {
-    static const char16_t EDGES[] = {0x00,  0x41,   0x7F,   0x80,   0xE9,   0x416, 0x7FF,
-                                     0x800, 0x4E2D, 0xD7FF, 0xE000, 0xFEFF, 0xFFFF};
-    switch (random.next(mix)) {
-    case 0:
-        return Units(1, EDGES[random.next(sizeof EDGES / sizeof EDGES[0])]);
-    case 1:
-        return Units(1, static_cast<char16_t>(0x80 + random.next(0x780)));
-    case 2:
-        return Units(1, static_cast<char16_t>(0x800 + random.next(0xD000)));
-    case 3:
-        return {static_cast<char16_t>(0xD800 + random.next(0x400)),
-                static_cast<char16_t>(0xDC00 + random.next(0x400))};
-    default:
-        return Units(1, static_cast<char16_t>(0x20 + random.next(0x5F)));
-    }
-}
-
 } // namespace
-
-// Every combination of lane lengths, pairs across the end of a block and long ASCII runs next
-// to mixed blocks: random texts of each mix, whole and in windows that cut anywhere.
-TEST(Utf8EncodeBlocks, MixedTextAsUnitByUnit) {
-    Random random{7};
-    for (int round = 0; round < 3000; ++round) {
-        const uint32_t mix = 2 + random.next(6);
-        Units text;
-        const uint32_t length = random.next(90);
-        while (text.size() < length)
-            text += pickUnit(random, mix);
-        const long full = static_cast<long>(reference(text).out.size());
-        expectOneCall(text, full + 16, "whole");
-        expectOneCall(text, static_cast<long>(random.next(static_cast<uint32_t>(full) + 1)), "cut");
-    }
-}
 
 // A lone low surrogate (encoded alone), a high one followed by a non-surrogate or by another
 // high one (an exception, positions after the high one), and a high one ending the input
@@ -147,23 +107,5 @@ TEST(Utf8EncodeBlocks, FaultsAndFullOutputAtEveryOffset) {
         const long full = static_cast<long>(reference(background).out.size());
         for (long room = 0; room <= full; ++room)
             expectOneCall(background, room, "room");
-    }
-}
-
-// Runs of ASCII from none to three blocks long between a few units of the other classes, as in
-// most Western text: lone all-ASCII blocks amid the mixed ones, at every alignment.
-TEST(Utf8EncodeBlocks, AsciiRunsBetweenOtherUnits) {
-    Random random{11};
-    for (int round = 0; round < 2000; ++round) {
-        Units text;
-        const uint32_t length = 40 + random.next(200);
-        while (text.size() < length) {
-            text += Units(random.next(49), u'a' + static_cast<char16_t>(random.next(26)));
-            for (uint32_t k = 1 + random.next(3); k > 0; --k)
-                text += pickUnit(random, 4);
-        }
-        const long full = static_cast<long>(reference(text).out.size());
-        expectOneCall(text, full + 16, "whole");
-        expectOneCall(text, static_cast<long>(random.next(static_cast<uint32_t>(full) + 1)), "cut");
     }
 }

@@ -5,15 +5,41 @@
 #include "qn/text/charset/CTBUTF32.h"
 #include "qn/text/charset/CTBUTF8.h"
 
-#include "text/ConverterSupport.h"
+#include "text/charset/ConverterHarness.h"
+
+#include <gtest/gtest.h>
 
 using namespace qn;
 using namespace qn::text::charset;
-using namespace charsettest;
+using charset_test::Bytes;
+using charset_test::raw;
+using charset_test::textOf;
+using charset_test::Units;
 
 namespace {
 
 const char16_t FFFD = 0xFFFD;
+
+// One call with room for everything, no flush: a pending surrogate stays pending.
+Units decodeAll(ByteToCharConverter& converter, const Bytes& in) {
+    Units out(in.size() * 2 + 8, u'\0');
+    long inPos = 0, outPos = 0;
+    EXPECT_EQ(converter.convert(raw(in), &inPos, static_cast<long>(in.size()), raw(out), &outPos,
+                                static_cast<long>(out.size())),
+              outPos);
+    return out.substr(0, static_cast<size_t>(outPos));
+}
+
+Bytes encodeAll(CharToByteConverter& converter, const Units& in) {
+    Bytes out(in.size() * 6 + 8);
+    long inPos = 0, outPos = 0;
+    EXPECT_EQ(converter.convert(raw(in), &inPos, static_cast<long>(in.size()), raw(out), &outPos,
+                                static_cast<long>(out.size())),
+              outPos);
+    EXPECT_EQ(inPos, static_cast<long>(in.size()));
+    out.resize(static_cast<size_t>(outPos));
+    return out;
+}
 
 // The offending sequence's start and what was written before it, after an exception.
 template <class Exception, class Converter, class In, class Out>
@@ -101,57 +127,6 @@ TEST(BTCUTF8, StopsBeforeWhatDoesNotFit) {
     inPos = outPos = 0;
     EXPECT_EQ(decoder.convert(raw(beyond), &inPos, 4, out, &outPos, 3), 0);
     EXPECT_EQ(inPos, 4);
-}
-
-TEST(BTCUTF8, EveryBoundaryGivesTheOneShotResult) {
-    // Runs of three substitution units must never split, nor pairs.
-    const Bytes text = {0x68, 0xC3, 0xA9, 0xF4, 0x90, 0x80, 0x80, 0xF0, 0x9F, 0x98, 0x80,
-                        0xE2, 0x82, 0xAC, 0x80, 0xE2, 0x41, 0xF0, 0x90, 0x8D, 0x88, 0x7A,
-                        0x30, 0x31, 0x32, 0x33, 0x34, 0x35, 0x36, 0x37, 0x38, 0x39, 0x61,
-                        0x62, 0x63, 0x64, 0x65, 0x66, 0x67, 0x68, 0xD0, 0x96, 0x20};
-    BTCUTF8 reference;
-    reference.setSubstitutionChars(u"<=>", 3);
-    const Units expected = decodeAll(reference, text);
-    for (long chunk = 1; chunk <= 8; ++chunk) {
-        for (long room = 4; room <= 20; ++room) {
-            BTCUTF8 decoder;
-            decoder.setSubstitutionChars(u"<=>", 3);
-            const Units got =
-                convertPiecewise<Units>(decoder, text, chunk, room, [](const Units& piece) {
-                    EXPECT_EQ(std::count(piece.begin(), piece.end(), u'<'),
-                              std::count(piece.begin(), piece.end(), u'>'));
-                    EXPECT_TRUE(piece.empty() || piece.back() < 0xD800 || piece.back() > 0xDBFF);
-                });
-            EXPECT_EQ(got, expected) << "chunk " << chunk << " room " << room;
-        }
-    }
-}
-
-// Long calls take runs of ASCII and of two-byte sequences in blocks; a call with a window of a
-// few units never does. Runs of every length up to past two blocks, broken at every place by
-// each kind of byte that must end a block, decode alike both ways.
-TEST(BTCUTF8, RunsBrokenAnywhereDecodeAsInSmallWindows) {
-    const uint8_t breakers[] = {0x41, 0x80, 0xC1, 0xC3, 0xE0, 0xF0, 0xFF};
-    const uint8_t pairs[][2] = {{0xC2, 0x80}, {0xD0, 0x96}, {0xDF, 0xBF}};
-    for (const auto& pair : pairs) {
-        for (long length = 1; length <= 36; ++length) {
-            for (long at = 0; at <= 2 * length; ++at) {
-                for (uint8_t breaker : breakers) {
-                    Bytes text(20, 0x61);
-                    for (long k = 0; k < length; ++k) {
-                        text.push_back(pair[0]);
-                        text.push_back(pair[1]);
-                    }
-                    text.insert(text.end(), 20, 0x62);
-                    text[static_cast<size_t>(20 + at)] = breaker;
-                    BTCUTF8 oneShot, small;
-                    EXPECT_EQ(decodeAll(oneShot, text),
-                              convertPiecewise<Units>(small, text, 1, 4, [](const Units&) {}))
-                        << "length " << length << " at " << at << " byte " << int(breaker);
-                }
-            }
-        }
-    }
 }
 
 TEST(BTCUTF8, ExceptionsLeavePositionsAtTheOffendingSequence) {
@@ -248,50 +223,6 @@ TEST(CTBUTF8, StopsBeforeWhatDoesNotFit) {
     EXPECT_EQ(Bytes(out, out + 3), (Bytes{0xED, 0xB8, 0x80}));
 }
 
-TEST(CTBUTF8, EveryBoundaryGivesTheOneShotResult) {
-    // Pairs split across input chunks still pair. A pair that meets the output's end does not
-    // stay whole (see StopsBeforeWhatDoesNotFit), so the output window varies over BMP text.
-    const Units pairs = u"plain \u00E9t\u00E9 \U0001F600\U0001F601 \u0416 \U00010000z";
-    const Units bmp = u"plain \u00E9t\u00E9 \u20AC \u0416\u0436 0123456789abcdefghij\u4E2D\u6587";
-    CTBUTF8 reference;
-    const Bytes expectedPairs = encodeAll(reference, pairs);
-    const Bytes expectedBmp = encodeAll(reference, bmp);
-    for (long chunk = 1; chunk <= 7; ++chunk) {
-        CTBUTF8 encoder;
-        EXPECT_EQ(convertPiecewise<Bytes>(encoder, pairs, chunk, 64, [](const Bytes&) {}),
-                  expectedPairs)
-            << "chunk " << chunk;
-        for (long room = 3; room <= 24; ++room) {
-            EXPECT_EQ(convertPiecewise<Bytes>(encoder, bmp, chunk, room, [](const Bytes&) {}),
-                      expectedBmp)
-                << "chunk " << chunk << " room " << room;
-        }
-    }
-}
-
-// As for decoding: runs of ASCII and of units below 0x800, broken anywhere, encode alike in one
-// call and in windows too small for a block (but large enough for a pair, which must not split).
-TEST(CTBUTF8, RunsBrokenAnywhereEncodeAsInSmallWindows) {
-    const Units breakers[] = {u"A",          u"\u007F", u"\u0800", Units(1, char16_t(0xDC00)),
-                              u"\U0001F600", u"\uFFFF"};
-    const char16_t runUnits[] = {u'x', 0x80, 0x416, 0x7FF};
-    for (char16_t unit : runUnits) {
-        for (long length = 1; length <= 36; ++length) {
-            for (long at = 0; at <= length; ++at) {
-                for (const Units& breaker : breakers) {
-                    Units text(static_cast<size_t>(length), unit);
-                    text.insert(static_cast<size_t>(at), breaker);
-                    text = u"0123456789" + text + u"abcdefghij";
-                    CTBUTF8 oneShot, small;
-                    EXPECT_EQ(encodeAll(oneShot, text),
-                              convertPiecewise<Bytes>(small, text, 1, 4, [](const Bytes&) {}))
-                        << "unit " << int(unit) << " length " << length << " at " << at;
-                }
-            }
-        }
-    }
-}
-
 TEST(UTF16, CopiesUnitsInTheNamedOrder) {
     CTBUTF16BE be;
     CTBUTF16LE le;
@@ -336,9 +267,10 @@ TEST(UTF16, BasePathAgreesWithTheByteOrderClasses) {
         text.push_back(static_cast<unsigned char>(i * 37));
     SwappingUTF16 viaHook;
     BTCUTF16BE be;
+    const std::vector<long> splits = {5, 10, 15, 20, 25, 30, 35, 40, 45, 50, 55, 60, 65, 70, 75};
     for (long room = 1; room <= 9; ++room)
-        EXPECT_EQ(convertPiecewise<Units>(viaHook, text, 5, room, [](const Units&) {}),
-                  convertPiecewise<Units>(be, text, 5, room, [](const Units&) {}));
+        EXPECT_EQ(charset_test::decodeAll(viaHook, text, splits, room),
+                  charset_test::decodeAll(be, text, splits, room));
 }
 
 TEST(UTF32, DecodesValuesPairsAndSubstitutions) {
@@ -387,19 +319,6 @@ TEST(UTF32, EncodesWholeUnitsOnly) {
     expectThrowAt<InvalidCharacterException>(le, broken, 0, bytes, 0, 1, 0,
                                              u"leading surrogate without trailing");
     EXPECT_EQ(encodeAll(le, u"z"), (Bytes{0x7A, 0, 0, 0}));
-}
-
-TEST(UTF32, EveryBoundaryGivesTheOneShotResult) {
-    const Units text = u"a\U0001F600b\u20AC\U00010000\xDC00z";
-    CTBUTF32BE encoder;
-    const Bytes bytes = encodeAll(encoder, text);
-    for (long chunk = 1; chunk <= 9; ++chunk)
-        for (long room = 4; room <= 12; ++room) {
-            CTBUTF32BE piecewise;
-            EXPECT_EQ(convertPiecewise<Bytes>(piecewise, text, chunk, room,
-                                              [](const Bytes& b) { EXPECT_EQ(b.size() % 4, 0u); }),
-                      bytes);
-        }
 }
 
 TEST(Converters, SubstitutionSettings) {

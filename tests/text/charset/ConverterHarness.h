@@ -16,13 +16,13 @@
 
 namespace charset_test {
 
-using Bytes = std::vector<signed char>;
+using Bytes = std::vector<unsigned char>;
 using Units = std::u16string;
 
 inline Bytes bytes(std::initializer_list<int> values) {
     Bytes out;
     for (int v : values)
-        out.push_back(static_cast<signed char>(v));
+        out.push_back(static_cast<unsigned char>(v));
     return out;
 }
 inline Bytes bytes(const std::string& text) {
@@ -42,6 +42,24 @@ template <class Out> struct Outcome {
 using namespace qn;
 using namespace qn::text::charset;
 
+// The converters' own views of the buffers.
+inline const signed char* raw(const Bytes& b) {
+    return reinterpret_cast<const signed char*>(b.data());
+}
+inline signed char* raw(Bytes& b) {
+    return reinterpret_cast<signed char*>(b.data());
+}
+inline const char16_t* raw(const Units& u) {
+    return u.data();
+}
+inline char16_t* raw(Units& u) {
+    return &u[0];
+}
+
+inline Units textOf(const String& s) {
+    return Units(s.getData(), static_cast<size_t>(s.getLength()));
+}
+
 // Failure messages show outcomes as hexadecimal units.
 template <class Out> void PrintTo(const Outcome<Out>& o, std::ostream* os) {
     *os << "{";
@@ -54,12 +72,9 @@ inline std::string describe(const Exception& e) {
     std::string text = dynamic_cast<const InvalidCharacterException*>(&e)      ? "invalid"
                        : dynamic_cast<const UnmappableCharacterException*>(&e) ? "unmappable"
                                                                                : "other";
-    const String message = e.getDescription();
-    if (!message.isEmpty()) {
-        text += ": ";
-        for (int32_t i = 0; i < message.getLength(); ++i)
-            text += static_cast<char>(message.getData()[i]);
-    }
+    const Units message = textOf(e.getDescription());
+    if (!message.empty())
+        text += ": " + std::string(message.begin(), message.end());
     return text;
 }
 
@@ -73,7 +88,7 @@ Outcome<Out> runAll(Converter& converter, const In& in, const std::vector<long>&
     std::vector<long> ends(splits);
     ends.push_back(static_cast<long>(in.size()));
     long inPos = 0;
-    std::vector<OutUnit> out(static_cast<size_t>(room) + 8);
+    Out out(static_cast<size_t>(room) + 8, OutUnit(0));
     long outPos = 4;
     // What the call wrote, exception or not.
     const auto collect = [&] {
@@ -86,7 +101,7 @@ Outcome<Out> runAll(Converter& converter, const In& in, const std::vector<long>&
                 outPos = 4;
                 const long before = inPos;
                 const long written =
-                    converter.convert(in.data(), &inPos, end, out.data(), &outPos, 4 + room);
+                    converter.convert(raw(in), &inPos, end, raw(out), &outPos, 4 + room);
                 // The return value, the positions and the untouched slack agree.
                 if (written != outPos - 4 || out[static_cast<size_t>(4 + room)] != OutUnit(0x55))
                     throw Exception(String(u"convert broke its contract"));
@@ -96,7 +111,7 @@ Outcome<Out> runAll(Converter& converter, const In& in, const std::vector<long>&
             }
         }
         outPos = 4;
-        converter.flush(out.data(), &outPos, 4 + room);
+        converter.flush(raw(out), &outPos, 4 + room);
         collect();
         if (inPos != static_cast<long>(in.size()))
             outcome.failure = "incomplete";

@@ -89,6 +89,8 @@ TEST_F(PlugInConverterTest, FoundByNameAndConverting) {
     EXPECT_EQ(String(decoder->getEncodingName()), kName);
     EXPECT_EQ(decoder->getMaxBytesPerChar(), 4);
     EXPECT_EQ(decoder->getMaxCharsPerByte(), 1);
+    // The program id keeps the case the caller gave.
+    EXPECT_THROW(ByteToCharConverter::getConverter(u"qncl-test-utf8"), UnknownEncodingException);
     Reference<CharToByteConverter> encoder = CharToByteConverter::getConverter(kName);
     ASSERT_NE(dynamic_cast<CTBCom*>(encoder.get()), nullptr);
 
@@ -151,9 +153,9 @@ TEST(MultiByteConverterTest, PendingTrailingSurrogateIsWrittenFirstAndFlushed) {
     const Bytes in = bytes({0x01, 0x02});
     char16_t out[4];
     long inPos = 0, outPos = 0;
-    EXPECT_EQ(decoder.convert(in.data(), &inPos, 2, out, &outPos, 4), 1);
+    EXPECT_EQ(decoder.convert(raw(in), &inPos, 2, out, &outPos, 4), 1);
     EXPECT_EQ(inPos, 1);
-    EXPECT_EQ(decoder.convert(in.data(), &inPos, 2, out, &outPos, 4), 2);
+    EXPECT_EQ(decoder.convert(raw(in), &inPos, 2, out, &outPos, 4), 2);
     EXPECT_EQ(Units(out, 3), u"x\xDC01x");
     // The last trailing surrogate needs two slots to be flushed, deliberately.
     outPos = 3;
