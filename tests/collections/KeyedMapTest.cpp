@@ -95,12 +95,6 @@ TEST_F(KeyedMapTest, StringMapGrowsAndKeepsEveryKey) {
     EXPECT_EQ(map.getCapacity(), 511);
     for (const String& key : keys)
         ASSERT_TRUE(map.containsKey(key.getData(), key.getLength()));
-    for (size_t i = 0; i < keys.size(); i += 3)
-        map.remove(keys[i]);
-    EXPECT_EQ(map.getSize(), 200);
-    EXPECT_EQ(map.createKeySet()->getSize(), 200);
-    for (size_t i = 0; i < keys.size(); ++i)
-        ASSERT_EQ(map.containsKey(keys[i]), i % 3 != 0) << i;
     map.clear();
     EXPECT_EQ(v->GetRefCount(), 1u);
     EXPECT_EQ(map.getCapacity(), 511);
@@ -134,11 +128,6 @@ TEST_F(KeyedMapTest, GrowingKeepsEveryKey) {
     for (int32_t k = 0; k < 1000; ++k)
         ASSERT_TRUE(map.containsKey(k * 11 - 500)) << k;
     EXPECT_EQ(v->GetRefCount(), 1001u);
-    for (int32_t k = 0; k < 1000; k += 2)
-        map.remove(k * 11 - 500);
-    for (int32_t k = 0; k < 1000; ++k)
-        ASSERT_EQ(map.containsKey(k * 11 - 500), k % 2 == 1) << k;
-    EXPECT_EQ(keysOf(map).size(), 500u);
 }
 
 TEST_F(KeyedMapTest, DefaultComparatorDelegatesOrUsesAddresses) {

@@ -78,20 +78,6 @@ TEST(Object, QueryInterfaceAnswersBaseComparableAndNothingElse) {
     EXPECT_EQ(object->GetRefCount(), 1u);
 }
 
-TEST(Object, SubclassMapChainsToComparable) {
-    Reference<WithInterface> object(new WithInterface);
-    void* out = nullptr;
-    ASSERT_EQ(object->QueryInterface(IID_ITest, &out), QN_S_OK);
-    EXPECT_EQ(static_cast<ITest*>(out)->Value(), 42);
-    static_cast<ITest*>(out)->Release();
-    ASSERT_EQ(object->QueryInterface(IID_IQNComparable, &out), QN_S_OK);
-    uint32_t hash = 0;
-    EXPECT_EQ(static_cast<IQNComparable*>(out)->HashCode(&hash), QN_S_OK);
-    EXPECT_EQ(hash, object->hashCode());
-    static_cast<IQNComparable*>(out)->Release();
-    EXPECT_EQ(object->GetRefCount(), 1u);
-}
-
 // CompareTo remembers how to reach the Object behind each kind of interface pointer: every
 // interface of an object, asked for a second time, must still lead to the object, and a foreign
 // component must still not.

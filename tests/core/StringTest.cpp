@@ -129,16 +129,6 @@ TEST(StringTest, HashSamplesLongTextsAndFoldsCase) {
         EXPECT_EQ(s.hashCode(), referenceHash(text, false)) << length;
         EXPECT_EQ(s.hashCode(true), referenceHash(text, true)) << length;
     }
-
-    // At length 64 only even positions count.
-    std::u16string key(64, u'k');
-    std::u16string odd = key;
-    odd[1] = u'z';
-    std::u16string even = key;
-    even[2] = u'z';
-    EXPECT_EQ(String(key.data()).hashCode(), String(odd.data()).hashCode());
-    EXPECT_NE(String(key.data()).hashCode(), String(even.data()).hashCode());
-    EXPECT_FALSE(String(key.data()).equals(String(odd.data())));
 }
 
 TEST(StringTest, FormatFillsConsecutivePlaceholdersOnly) {

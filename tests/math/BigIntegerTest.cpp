@@ -240,16 +240,6 @@ TEST(BigInteger, MultiplicationAlgorithmsAgree) {
 
 TEST(BigInteger, TextRoundTripsInEveryRadix) {
     Numbers numbers(3);
-    for (int radix = 2; radix <= 36; ++radix) {
-        for (int limbs : {1, 2, 9, 30, 90}) {
-            const BigInteger x = numbers.next(limbs);
-            const String text = x.toString(radix);
-            ASSERT_EQ(BigInteger(text, radix), x) << radix;
-            String upper(text);
-            upper.toUpper();
-            ASSERT_EQ(BigInteger(upper, radix), x) << radix;
-        }
-    }
     // Large enough for the halving conversions, checked against the linear one in base 16.
     for (int limbs : {200, 1500, 6000}) {
         const BigInteger x = numbers.next(limbs);
@@ -313,13 +303,6 @@ TEST(BigInteger, BytesRoundTripInTwosComplement) {
             EXPECT_EQ(bytes[i], c.bytes[i]) << c.value;
         EXPECT_EQ(BigInteger(bytes.data(), static_cast<int32_t>(bytes.size())).int64Value(),
                   c.value);
-    }
-    Numbers numbers(9);
-    for (int i = 0; i < 100; ++i) {
-        const BigInteger x = numbers.next(1 + static_cast<int>(numbers.below(6)));
-        const std::vector<signed char> bytes = x.toByteArray();
-        EXPECT_EQ(static_cast<int32_t>(bytes.size()), x.bitLength() / 8 + 1);
-        EXPECT_EQ(BigInteger(bytes.data(), static_cast<int32_t>(bytes.size())), x);
     }
     const unsigned char magnitude[] = {0x01, 0x00, 0x00, 0x00, 0x00, 0x00, 0x00, 0x00, 0x00};
     EXPECT_EQ(BigInteger(-1, magnitude, 9), BigInteger(1).shiftLeft(64).negate());
@@ -397,8 +380,6 @@ TEST(BigInteger, ConversionsAndObjectBehaviour) {
     EXPECT_EQ(BigInteger(static_cast<signed char>(-100)).int64Value(), -100);
     EXPECT_EQ(BigInteger(4000000000u).int64Value(), 4000000000);
 
-    EXPECT_EQ(BigInteger(-5).min(BigInteger(3)).int64Value(), -5);
-    EXPECT_EQ(BigInteger(-5).max(BigInteger(3)).int64Value(), 3);
     // Java's hash codes.
     EXPECT_EQ(BigInteger(1).hashCode(), 1u);
     EXPECT_EQ(BigInteger(-1).hashCode(), static_cast<uint32_t>(-1));

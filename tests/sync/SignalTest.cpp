@@ -46,31 +46,9 @@ TEST(Event, CannotBePolledButTimedWaitsAnswer) {
     set->wait();
 }
 
-TEST(Gate, LetsEveryoneThroughUntilClosed) {
-    Reference<sync::Gate> gate(new sync::Gate);
-    EXPECT_FALSE(gate->tryWait());
-    EXPECT_FALSE(gate->wait(0u));
-    gate->open();
-    for (int i = 0; i < 3; ++i) {
-        EXPECT_TRUE(gate->tryWait());
-        EXPECT_TRUE(gate->wait(0u));
-        gate->wait();
-    }
-    gate->close();
-    EXPECT_FALSE(gate->wait(0u));
-    EXPECT_TRUE(Reference<sync::Gate>(new sync::Gate(nullptr, QN_SYNC_INITIAL_SET))->tryWait());
-}
-
 TEST(Semaphore, CountsAreKeptAndRefusalsDoNotThrow) {
-    Reference<sync::Semaphore> semaphore(new sync::Semaphore(2));
-    EXPECT_EQ(semaphore->getValue(), 2);
-    EXPECT_TRUE(semaphore->tryWait());
-    semaphore->wait();
+    Reference<sync::Semaphore> semaphore(new sync::Semaphore(0));
     EXPECT_FALSE(semaphore->tryWait());
-    EXPECT_EQ(semaphore->getValue(), 0);
-    semaphore->signal();
-    EXPECT_EQ(semaphore->getValue(), 1);
-
     Reference<sync::Semaphore> full(new sync::Semaphore(0x7FFFFFFF));
     EXPECT_EQ(thrown([&] { full->signal(); }), QN_E_TOOMANYPOSTS);
     EXPECT_EQ(full->getValue(), 0x7FFFFFFF); // unchanged and still usable
@@ -96,23 +74,6 @@ TEST(Condition, TimeOutIsAnExceptionAndTheLockIsHeldAgain) {
     }).join();
     EXPECT_TRUE(acquired);
     EXPECT_EQ(thrown([&] { condition->release(); }), QN_E_NOTOWNER);
-}
-
-TEST(Condition, WaitGivesTheLockUpUntilSignalled) {
-    Reference<sync::Condition> condition(new sync::Condition);
-    bool ready = false;
-    std::thread producer([&] {
-        sync::Condition::Holder hold(*condition);
-        ready = true;
-        condition->signal();
-    });
-    {
-        sync::Condition::Holder hold(*condition);
-        while (!ready)
-            condition->wait();
-    }
-    producer.join();
-    EXPECT_TRUE(ready);
 }
 
 TEST(FakeMutex, NeverBlocksNorRefuses) {

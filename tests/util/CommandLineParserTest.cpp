@@ -52,7 +52,6 @@ struct Convert {
 
 TEST(CommandLineParserTest, ValuesInEveryForm) {
     const std::vector<std::vector<const char16_t*>> FORMS = {
-        {u"--from", u"CP1252", u"--to=UTF-8"},
         {u"-f", u"CP1252", u"-tUTF-8"},
         {u"-fCP1252", u"--to", u"UTF-8"},
         {u"--fr=CP1252", u"--t", u"UTF-8"},
