@@ -85,8 +85,9 @@ Outcome<Out> runAll(Converter& converter, const In& in, const std::vector<long>&
                     long room) {
     using OutUnit = typename Out::value_type;
     Outcome<Out> outcome;
-    std::vector<long> ends(splits);
-    ends.push_back(static_cast<long>(in.size()));
+    // The split points, then the end (sized once: GCC 12 misreads a copy grown by push_back).
+    std::vector<long> ends(splits.size() + 1, static_cast<long>(in.size()));
+    std::copy(splits.begin(), splits.end(), ends.begin());
     long inPos = 0;
     Out out(static_cast<size_t>(room) + 8, OutUnit(0));
     long outPos = 4;
