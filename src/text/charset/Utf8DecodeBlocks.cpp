@@ -560,8 +560,8 @@ QNCL_AVX2 void decodeBlocksWide(const uint8_t* in, long& inPos, long inEnd, char
 #endif
 } // namespace
 
-void decodeUtf8Blocks(const uint8_t* in, long& i, long inEnd, char16_t* out, long& o, long outEnd) {
-    const int level = simdLevel();
+void decodeUtf8Blocks(const uint8_t* in, long& i, long inEnd, char16_t* out, long& o, long outEnd,
+                      int level) {
 #ifdef QNCL_SIMD_WIDE
     if (level > 1) {
         decodeBlocksWide(in, i, inEnd, out, o, outEnd);
