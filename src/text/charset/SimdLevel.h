@@ -8,7 +8,7 @@
 #define QNCL_SSE41 __attribute__((target("ssse3,sse4.1,popcnt")))
 #ifndef _WIN32
 #define QNCL_SIMD_WIDE 1
-#define QNCL_AVX2 __attribute__((target("avx2,popcnt,tune=znver3")))
+#define QNCL_AVX2 __attribute__((target("avx2")))
 #endif
 
 namespace qn::text::charset {

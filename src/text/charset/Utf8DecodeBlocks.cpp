@@ -30,6 +30,14 @@
 
 #include <immintrin.h>
 
+#include <cstring>
+
+// The 256-bit steps are compiled tuned as for Haswell: tuned for no processor in particular, GCC
+// builds every vector constant afresh from an integer register in each step (three instructions
+// apiece) rather than load it. GCC inlines a function into one of another tuning only when told to.
+#define QNCL_AVX2_STEPS __attribute__((target("avx2,popcnt,tune=haswell")))
+#define QNCL_INLINE inline __attribute__((always_inline))
+
 namespace qn::text::charset::utf {
 
 namespace {
@@ -252,19 +260,21 @@ struct ChunkPlan {
     long taken;
 };
 
-inline ChunkPlan planChunk(const uint8_t* from, const ChunkMasks& masks, uint64_t fourLeads) {
-    long taken;
-    if (masks.usable == CHUNK) {
-        // A lead in byte 63, a three- or four-byte lead in byte 62 or a four-byte one in byte 61
-        // starts a sequence that goes on; in a clean chunk at most one of them is there. Without
-        // branches: which one it is follows the text.
-        taken = CHUNK - (from[63] >= 0xC0) - 2 * (from[62] >= 0xE0) - 3 * (from[61] >= 0xF0);
-    } else {
+QNCL_INLINE ChunkPlan planChunk(const uint8_t* from, const ChunkMasks& masks, uint64_t fourLeads) {
+    const uint64_t lanes = masks.starts | fourLeads << 1;
+    if (masks.usable < CHUNK) {
         const uint64_t before = masks.starts & ((uint64_t{1} << masks.usable) - 1);
-        taken = before == 0 ? 0 : 63 - __builtin_clzll(before);
+        const long taken = before == 0 ? 0 : 63 - __builtin_clzll(before);
+        return {lanes & ((uint64_t{1} << taken) - 1), taken};
     }
-    const uint64_t inside = taken == CHUNK ? ~uint64_t{0} : (uint64_t{1} << taken) - 1;
-    return {(masks.starts | fourLeads << 1) & inside, taken};
+    // A lead in byte 63, a three- or four-byte lead in byte 62 or a four-byte one in byte 61
+    // starts a sequence that goes on; in a clean chunk at most one of them is there. Which one
+    // follows the text, so it is found by arithmetic: byte + 0x40 reaches 0x100 from 0xC0 on.
+    uint32_t last;
+    std::memcpy(&last, from + 60, 4);
+    const unsigned cut = (((last >> 24) + 0x40) >> 8) + 2 * ((((last >> 16) & 0xFF) + 0x20) >> 8) +
+                         3 * ((((last >> 8) & 0xFF) + 0x10) >> 8);
+    return {lanes & (~uint64_t{0} >> cut), CHUNK - cut};
 }
 
 // The units of a chunk's kept lanes, sixteen bytes a step; the steps are independent of each
@@ -312,14 +322,37 @@ constexpr long ROOM = CHUNK + 32;
 
 // How long a chunk's sequences may be, from the largest of its bytes in each lane of top: bytes
 // from 0xE0 (0xF0) up are those still 0x80 or more less 0x60 (0x70).
-QNCL_SSE41 inline Widest widestIn(__m128i top) {
+QNCL_SSE41 QNCL_INLINE Widest widestIn(__m128i top) {
     if (_mm_movemask_epi8(_mm_subs_epu8(top, _mm_set1_epi8(0x60))) == 0)
         return TWO;
     return _mm_movemask_epi8(_mm_subs_epu8(top, _mm_set1_epi8(0x70))) == 0 ? THREE : FOUR;
 }
 
+// The class a chunk is written with: the widest of the recent chunks' classes, so that text
+// mixing them (Western text with the odd curly quote, lines with a word of Chinese here and there)
+// takes one path and the branch stays predictable. It narrows after 16 chunks in a row that
+// would have allowed a narrower one.
+struct ChunkMode {
+    Widest mode = TWO;
+    unsigned narrower = 0;
+
+    QNCL_INLINE Widest next(Widest widest) {
+        if (widest > mode) {
+            mode = widest;
+            narrower = 0;
+        }
+        narrower = widest < mode ? narrower + 1 : 0;
+        if (narrower > 16) {
+            mode = widest;
+            narrower = 0;
+        }
+        return mode;
+    }
+};
+
 QNCL_SSE41 void decodeBlocks(const uint8_t* in, long& inPos, long inEnd, char16_t* out,
                              long& outPos, long outEnd) {
+    ChunkMode modes;
     long i = inPos;
     long o = outPos;
     while (inEnd - i >= ROOM && outEnd - o >= ROOM) {
@@ -336,7 +369,7 @@ QNCL_SSE41 void decodeBlocks(const uint8_t* in, long& inPos, long inEnd, char16_
         ChunkMasks masks;
         ChunkPlan plan;
         char16_t* to = out + o;
-        switch (widestIn(top)) {
+        switch (modes.next(widestIn(top))) {
         case TWO:
             masks = narrowMasks(v);
             plan = planChunk(from, masks, 0);
@@ -371,12 +404,12 @@ QNCL_SSE41 void decodeBlocks(const uint8_t* in, long& inPos, long inEnd, char16_
 // The same with 256-bit vectors (Linux only; see SimdLevel.h): the chunk is two vectors, a fault
 // check covers 32 bytes, and a step's sixteen candidate units are one vector.
 
-QNCL_AVX2 inline __m256i faultTableWide(const int8_t (&table)[16]) {
+QNCL_AVX2_STEPS inline __m256i faultTableWide(const int8_t (&table)[16]) {
     return _mm256_broadcastsi128_si256(_mm_load_si128(reinterpret_cast<const __m128i*>(table)));
 }
 
 // blockFaults over 32 bytes; before holds the 32 bytes ahead of them.
-template <bool Four> QNCL_AVX2 inline __m256i blockFaultsWide(__m256i bytes, __m256i before) {
+template <bool Four> QNCL_AVX2_STEPS inline __m256i blockFaultsWide(__m256i bytes, __m256i before) {
     // Each 128-bit lane of joined holds the sixteen bytes ahead of that lane of bytes.
     const __m256i joined = _mm256_permute2x128_si256(before, bytes, 0x21);
     const __m256i prev1 = _mm256_alignr_epi8(bytes, joined, 15);
@@ -399,12 +432,12 @@ template <bool Four> QNCL_AVX2 inline __m256i blockFaultsWide(__m256i bytes, __m
                             _mm256_and_si256(mustContinue, _mm256_set1_epi8(TWO_CONTS)));
 }
 
-QNCL_AVX2 inline uint64_t bitsOfWide(__m256i low, __m256i high) {
+QNCL_AVX2_STEPS inline uint64_t bitsOfWide(__m256i low, __m256i high) {
     return static_cast<uint64_t>(static_cast<uint32_t>(_mm256_movemask_epi8(low))) |
            static_cast<uint64_t>(static_cast<uint32_t>(_mm256_movemask_epi8(high))) << 32;
 }
 
-QNCL_AVX2 inline ChunkMasks narrowMasksWide(const __m256i (&v)[2]) {
+QNCL_AVX2_STEPS inline ChunkMasks narrowMasksWide(const __m256i (&v)[2]) {
     const __m256i belowLeads = _mm256_set1_epi8(-65);
     const uint64_t nonAscii = bitsOfWide(v[0], v[1]);
     const uint64_t leads = bitsOfWide(_mm256_cmpgt_epi8(v[0], belowLeads),
@@ -422,7 +455,7 @@ QNCL_AVX2 inline ChunkMasks narrowMasksWide(const __m256i (&v)[2]) {
     return {~conts, faults == 0 ? CHUNK : __builtin_ctzll(faults)};
 }
 
-template <bool Four> QNCL_AVX2 inline ChunkMasks fullMasksWide(const __m256i (&v)[2]) {
+template <bool Four> QNCL_AVX2_STEPS inline ChunkMasks fullMasksWide(const __m256i (&v)[2]) {
     const __m256i zero = _mm256_setzero_si256();
     const __m256i f[2] = {blockFaultsWide<Four>(v[0], zero), blockFaultsWide<Four>(v[1], v[0])};
     const __m256i cont = _mm256_set1_epi8(-64);
@@ -442,12 +475,12 @@ struct UnitConstants {
     __m256i low6, lead5, low4, threeLeads, fourLeads, continuations, highBase, lowBase;
 };
 
-QNCL_AVX2 inline __m256i opaque(__m256i v) {
+QNCL_AVX2_STEPS inline __m256i opaque(__m256i v) {
     __asm__("" : "+x"(v));
     return v;
 }
 
-QNCL_AVX2 inline UnitConstants unitConstants() {
+QNCL_AVX2_STEPS inline UnitConstants unitConstants() {
     return {opaque(_mm256_set1_epi16(0x3F)),
             opaque(_mm256_set1_epi16(0x1F00)),
             opaque(_mm256_set1_epi16(0x0F)),
@@ -462,7 +495,7 @@ QNCL_AVX2 inline UnitConstants unitConstants() {
 
 // unitsOf over sixteen lanes.
 template <Widest W>
-QNCL_AVX2 inline __m256i unitsOfWide(__m256i pairs, __m256i thirds, const UnitConstants& c) {
+QNCL_AVX2_STEPS inline __m256i unitsOfWide(__m256i pairs, __m256i thirds, const UnitConstants& c) {
     const __m256i two = _mm256_or_si256(_mm256_srli_epi16(_mm256_and_si256(pairs, c.lead5), 2),
                                         _mm256_and_si256(pairs, c.low6));
     __m256i multi = two;
@@ -481,12 +514,12 @@ QNCL_AVX2 inline __m256i unitsOfWide(__m256i pairs, __m256i thirds, const UnitCo
     return _mm256_blendv_epi8(_mm256_srli_epi16(pairs, 8), multi, _mm256_srai_epi16(pairs, 15));
 }
 
-QNCL_AVX2 inline __m256i widened(const uint8_t* at) {
+QNCL_AVX2_STEPS inline __m256i widened(const uint8_t* at) {
     return _mm256_cvtepu8_epi16(_mm_loadu_si128(reinterpret_cast<const __m128i*>(at)));
 }
 
 template <Widest W>
-QNCL_AVX2 inline char16_t* writeChunkWide(const uint8_t* from, uint64_t keep, char16_t* to,
+QNCL_AVX2_STEPS inline char16_t* writeChunkWide(const uint8_t* from, uint64_t keep, char16_t* to,
                                           const UnitConstants& c) {
     for (int b = 0; b < 4; ++b) {
         const uint8_t* at = from + 16 * b;
@@ -509,9 +542,10 @@ QNCL_AVX2 inline char16_t* writeChunkWide(const uint8_t* from, uint64_t keep, ch
     return to;
 }
 
-QNCL_AVX2 void decodeBlocksWide(const uint8_t* in, long& inPos, long inEnd, char16_t* out,
+QNCL_AVX2_STEPS void decodeBlocksWide(const uint8_t* in, long& inPos, long inEnd, char16_t* out,
                                 long& outPos, long outEnd) {
     const UnitConstants constants = unitConstants();
+    ChunkMode modes;
     long i = inPos;
     long o = outPos;
     while (inEnd - i >= ROOM && outEnd - o >= ROOM) {
@@ -526,8 +560,8 @@ QNCL_AVX2 void decodeBlocksWide(const uint8_t* in, long& inPos, long inEnd, char
         ChunkMasks masks;
         ChunkPlan plan;
         char16_t* to = out + o;
-        switch (widestIn(_mm_max_epu8(_mm256_castsi256_si128(top),
-                                      _mm256_extracti128_si256(top, 1)))) {
+        switch (modes.next(widestIn(
+            _mm_max_epu8(_mm256_castsi256_si128(top), _mm256_extracti128_si256(top, 1))))) {
         case TWO:
             masks = narrowMasksWide(v);
             plan = planChunk(from, masks, 0);
