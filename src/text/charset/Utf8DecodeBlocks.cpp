@@ -322,10 +322,10 @@ constexpr long ROOM = CHUNK + 32;
 
 // How long a chunk's sequences may be, from the largest of its bytes in each lane of top: bytes
 // from 0xE0 (0xF0) up are those still 0x80 or more less 0x60 (0x70).
-QNCL_SSE41 QNCL_INLINE Widest widestIn(__m128i top) {
-    if (_mm_movemask_epi8(_mm_subs_epu8(top, _mm_set1_epi8(0x60))) == 0)
+QNCL_SSE41 QNCL_INLINE Widest widestIn(__m128i top, __m128i past3, __m128i past4) {
+    if (_mm_movemask_epi8(_mm_subs_epu8(top, past3)) == 0)
         return TWO;
-    return _mm_movemask_epi8(_mm_subs_epu8(top, _mm_set1_epi8(0x70))) == 0 ? THREE : FOUR;
+    return _mm_movemask_epi8(_mm_subs_epu8(top, past4)) == 0 ? THREE : FOUR;
 }
 
 // The class a chunk is written with: the widest of the recent chunks' classes, so that text
@@ -369,7 +369,7 @@ QNCL_SSE41 void decodeBlocks(const uint8_t* in, long& inPos, long inEnd, char16_
         ChunkMasks masks;
         ChunkPlan plan;
         char16_t* to = out + o;
-        switch (modes.next(widestIn(top))) {
+        switch (modes.next(widestIn(top, _mm_set1_epi8(0x60), _mm_set1_epi8(0x70)))) {
         case TWO:
             masks = narrowMasks(v);
             plan = planChunk(from, masks, 0);
@@ -404,74 +404,14 @@ QNCL_SSE41 void decodeBlocks(const uint8_t* in, long& inPos, long inEnd, char16_
 // The same with 256-bit vectors (Linux only; see SimdLevel.h): the chunk is two vectors, a fault
 // check covers 32 bytes, and a step's sixteen candidate units are one vector.
 
-QNCL_AVX2_STEPS inline __m256i faultTableWide(const int8_t (&table)[16]) {
-    return _mm256_broadcastsi128_si256(_mm_load_si128(reinterpret_cast<const __m128i*>(table)));
-}
-
-// blockFaults over 32 bytes; before holds the 32 bytes ahead of them.
-template <bool Four> QNCL_AVX2_STEPS inline __m256i blockFaultsWide(__m256i bytes, __m256i before) {
-    // Each 128-bit lane of joined holds the sixteen bytes ahead of that lane of bytes.
-    const __m256i joined = _mm256_permute2x128_si256(before, bytes, 0x21);
-    const __m256i prev1 = _mm256_alignr_epi8(bytes, joined, 15);
-    const __m256i lowNibbles = _mm256_set1_epi8(0x0F);
-    const __m256i pairs = _mm256_and_si256(
-        _mm256_and_si256(
-            _mm256_shuffle_epi8(faultTableWide(FAULTS.prevHigh),
-                                _mm256_and_si256(_mm256_srli_epi16(prev1, 4), lowNibbles)),
-            _mm256_shuffle_epi8(faultTableWide(FAULTS.prevLow),
-                                _mm256_and_si256(prev1, lowNibbles))),
-        _mm256_shuffle_epi8(faultTableWide(FAULTS.curHigh),
-                            _mm256_and_si256(_mm256_srli_epi16(bytes, 4), lowNibbles)));
-    __m256i mustContinue = _mm256_subs_epu8(_mm256_alignr_epi8(bytes, joined, 14),
-                                            _mm256_set1_epi8(0xE0 - 0x80));
-    if constexpr (Four)
-        mustContinue = _mm256_or_si256(mustContinue,
-                                       _mm256_subs_epu8(_mm256_alignr_epi8(bytes, joined, 13),
-                                                        _mm256_set1_epi8(0xF0 - 0x80)));
-    return _mm256_xor_si256(pairs,
-                            _mm256_and_si256(mustContinue, _mm256_set1_epi8(TWO_CONTS)));
-}
-
-QNCL_AVX2_STEPS inline uint64_t bitsOfWide(__m256i low, __m256i high) {
-    return static_cast<uint64_t>(static_cast<uint32_t>(_mm256_movemask_epi8(low))) |
-           static_cast<uint64_t>(static_cast<uint32_t>(_mm256_movemask_epi8(high))) << 32;
-}
-
-QNCL_AVX2_STEPS inline ChunkMasks narrowMasksWide(const __m256i (&v)[2]) {
-    const __m256i belowLeads = _mm256_set1_epi8(-65);
-    const uint64_t nonAscii = bitsOfWide(v[0], v[1]);
-    const uint64_t leads = bitsOfWide(_mm256_cmpgt_epi8(v[0], belowLeads),
-                                      _mm256_cmpgt_epi8(v[1], belowLeads)) &
-                           nonAscii;
-    const uint64_t conts = nonAscii & ~leads;
-    uint64_t faults = conts ^ (leads << 1);
-    const __m256i even = _mm256_set1_epi8(static_cast<char>(0xFE));
-    const __m256i c0 = _mm256_set1_epi8(static_cast<char>(0xC0));
-    const __m256i overlong[2] = {_mm256_cmpeq_epi8(_mm256_and_si256(v[0], even), c0),
-                                 _mm256_cmpeq_epi8(_mm256_and_si256(v[1], even), c0)};
-    const __m256i any = _mm256_or_si256(overlong[0], overlong[1]);
-    if (!_mm256_testz_si256(any, any))
-        faults |= bitsOfWide(overlong[0], overlong[1]);
-    return {~conts, faults == 0 ? CHUNK : __builtin_ctzll(faults)};
-}
-
-template <bool Four> QNCL_AVX2_STEPS inline ChunkMasks fullMasksWide(const __m256i (&v)[2]) {
-    const __m256i zero = _mm256_setzero_si256();
-    const __m256i f[2] = {blockFaultsWide<Four>(v[0], zero), blockFaultsWide<Four>(v[1], v[0])};
-    const __m256i cont = _mm256_set1_epi8(-64);
-    const uint64_t starts =
-        ~bitsOfWide(_mm256_cmpgt_epi8(cont, v[0]), _mm256_cmpgt_epi8(cont, v[1]));
-    const __m256i any = _mm256_or_si256(f[0], f[1]);
-    if (_mm256_testz_si256(any, any))
-        return {starts, CHUNK};
-    const uint64_t clean =
-        bitsOfWide(_mm256_cmpeq_epi8(f[0], zero), _mm256_cmpeq_epi8(f[1], zero));
-    return {starts, __builtin_ctzll(~clean)};
-}
-
-// The constants of unitsOfWide, made once per call and hidden from the compiler, which would
-// otherwise build each again in every step (three instructions apiece) for want of registers.
-struct UnitConstants {
+// The vector constants of the 256-bit steps, made once per call and hidden from the compiler,
+// which would otherwise build each again in every chunk (three instructions apiece) for want of
+// registers; spilled, they are memory operands.
+struct WideConstants {
+    // The fault check.
+    __m256i prevHigh, prevLow, curHigh, nibble, past3, past4, twoConts, belowConts, belowLeads,
+        even, c0;
+    // The units.
     __m256i low6, lead5, low4, threeLeads, fourLeads, continuations, highBase, lowBase;
 };
 
@@ -480,8 +420,26 @@ QNCL_AVX2_STEPS inline __m256i opaque(__m256i v) {
     return v;
 }
 
-QNCL_AVX2_STEPS inline UnitConstants unitConstants() {
-    return {opaque(_mm256_set1_epi16(0x3F)),
+QNCL_AVX2_STEPS inline __m256i faultTableWide(const int8_t (&table)[16]) {
+    return opaque(
+        _mm256_broadcastsi128_si256(_mm_load_si128(reinterpret_cast<const __m128i*>(table))));
+}
+
+QNCL_AVX2_STEPS inline WideConstants wideConstants() {
+    return {faultTableWide(FAULTS.prevHigh),
+            faultTableWide(FAULTS.prevLow),
+            faultTableWide(FAULTS.curHigh),
+            opaque(_mm256_set1_epi8(0x0F)),
+            // Bytes from 0xE0 (0xF0) up are those still 0x80 or more less 0x60 (0x70).
+            opaque(_mm256_set1_epi8(0xE0 - 0x80)),
+            opaque(_mm256_set1_epi8(0xF0 - 0x80)),
+            opaque(_mm256_set1_epi8(TWO_CONTS)),
+            // As signed bytes, continuation bytes are -128..-65 and leads -64..-1.
+            opaque(_mm256_set1_epi8(-64)),
+            opaque(_mm256_set1_epi8(-65)),
+            opaque(_mm256_set1_epi8(static_cast<char>(0xFE))),
+            opaque(_mm256_set1_epi8(static_cast<char>(0xC0))),
+            opaque(_mm256_set1_epi16(0x3F)),
             opaque(_mm256_set1_epi16(0x1F00)),
             opaque(_mm256_set1_epi16(0x0F)),
             // As signed lanes, leads 0xE0 and up are above -8193 (0xDFFF), 0xF0 and up above
@@ -493,9 +451,64 @@ QNCL_AVX2_STEPS inline UnitConstants unitConstants() {
             opaque(_mm256_set1_epi16(static_cast<short>(0xDC00)))};
 }
 
+// blockFaults over 32 bytes; before holds the 32 bytes ahead of them.
+template <bool Four>
+QNCL_AVX2_STEPS inline __m256i blockFaultsWide(__m256i bytes, __m256i before,
+                                               const WideConstants& c) {
+    // Each 128-bit lane of joined holds the sixteen bytes ahead of that lane of bytes.
+    const __m256i joined = _mm256_permute2x128_si256(before, bytes, 0x21);
+    const __m256i prev1 = _mm256_alignr_epi8(bytes, joined, 15);
+    const __m256i pairs = _mm256_and_si256(
+        _mm256_and_si256(
+            _mm256_shuffle_epi8(c.prevHigh,
+                                _mm256_and_si256(_mm256_srli_epi16(prev1, 4), c.nibble)),
+            _mm256_shuffle_epi8(c.prevLow, _mm256_and_si256(prev1, c.nibble))),
+        _mm256_shuffle_epi8(c.curHigh, _mm256_and_si256(_mm256_srli_epi16(bytes, 4), c.nibble)));
+    __m256i mustContinue = _mm256_subs_epu8(_mm256_alignr_epi8(bytes, joined, 14), c.past3);
+    if constexpr (Four)
+        mustContinue = _mm256_or_si256(
+            mustContinue, _mm256_subs_epu8(_mm256_alignr_epi8(bytes, joined, 13), c.past4));
+    return _mm256_xor_si256(pairs, _mm256_and_si256(mustContinue, c.twoConts));
+}
+
+QNCL_AVX2_STEPS inline uint64_t bitsOfWide(__m256i low, __m256i high) {
+    return static_cast<uint64_t>(static_cast<uint32_t>(_mm256_movemask_epi8(low))) |
+           static_cast<uint64_t>(static_cast<uint32_t>(_mm256_movemask_epi8(high))) << 32;
+}
+
+QNCL_AVX2_STEPS inline ChunkMasks narrowMasksWide(const __m256i (&v)[2], const WideConstants& c) {
+    const uint64_t nonAscii = bitsOfWide(v[0], v[1]);
+    const uint64_t leads =
+        bitsOfWide(_mm256_cmpgt_epi8(v[0], c.belowLeads), _mm256_cmpgt_epi8(v[1], c.belowLeads)) &
+        nonAscii;
+    const uint64_t conts = nonAscii & ~leads;
+    uint64_t faults = conts ^ (leads << 1);
+    const __m256i overlong[2] = {_mm256_cmpeq_epi8(_mm256_and_si256(v[0], c.even), c.c0),
+                                 _mm256_cmpeq_epi8(_mm256_and_si256(v[1], c.even), c.c0)};
+    const __m256i any = _mm256_or_si256(overlong[0], overlong[1]);
+    if (!_mm256_testz_si256(any, any))
+        faults |= bitsOfWide(overlong[0], overlong[1]);
+    return {~conts, faults == 0 ? CHUNK : __builtin_ctzll(faults)};
+}
+
+template <bool Four>
+QNCL_AVX2_STEPS inline ChunkMasks fullMasksWide(const __m256i (&v)[2], const WideConstants& c) {
+    const __m256i zero = _mm256_setzero_si256();
+    const __m256i f[2] = {blockFaultsWide<Four>(v[0], zero, c),
+                          blockFaultsWide<Four>(v[1], v[0], c)};
+    const uint64_t starts =
+        ~bitsOfWide(_mm256_cmpgt_epi8(c.belowConts, v[0]), _mm256_cmpgt_epi8(c.belowConts, v[1]));
+    const __m256i any = _mm256_or_si256(f[0], f[1]);
+    if (_mm256_testz_si256(any, any))
+        return {starts, CHUNK};
+    const uint64_t clean =
+        bitsOfWide(_mm256_cmpeq_epi8(f[0], zero), _mm256_cmpeq_epi8(f[1], zero));
+    return {starts, __builtin_ctzll(~clean)};
+}
+
 // unitsOf over sixteen lanes.
 template <Widest W>
-QNCL_AVX2_STEPS inline __m256i unitsOfWide(__m256i pairs, __m256i thirds, const UnitConstants& c) {
+QNCL_AVX2_STEPS inline __m256i unitsOfWide(__m256i pairs, __m256i thirds, const WideConstants& c) {
     const __m256i two = _mm256_or_si256(_mm256_srli_epi16(_mm256_and_si256(pairs, c.lead5), 2),
                                         _mm256_and_si256(pairs, c.low6));
     __m256i multi = two;
@@ -520,7 +533,7 @@ QNCL_AVX2_STEPS inline __m256i widened(const uint8_t* at) {
 
 template <Widest W>
 QNCL_AVX2_STEPS inline char16_t* writeChunkWide(const uint8_t* from, uint64_t keep, char16_t* to,
-                                          const UnitConstants& c) {
+                                          const WideConstants& c) {
     for (int b = 0; b < 4; ++b) {
         const uint8_t* at = from + 16 * b;
         const __m256i pairs = _mm256_or_si256(_mm256_slli_epi16(widened(at), 8), widened(at + 1));
@@ -544,7 +557,7 @@ QNCL_AVX2_STEPS inline char16_t* writeChunkWide(const uint8_t* from, uint64_t ke
 
 QNCL_AVX2_STEPS void decodeBlocksWide(const uint8_t* in, long& inPos, long inEnd, char16_t* out,
                                 long& outPos, long outEnd) {
-    const UnitConstants constants = unitConstants();
+    const WideConstants constants = wideConstants();
     ChunkMode modes;
     long i = inPos;
     long o = outPos;
@@ -561,23 +574,23 @@ QNCL_AVX2_STEPS void decodeBlocksWide(const uint8_t* in, long& inPos, long inEnd
         ChunkPlan plan;
         char16_t* to = out + o;
         switch (modes.next(widestIn(
-            _mm_max_epu8(_mm256_castsi256_si128(top), _mm256_extracti128_si256(top, 1))))) {
+            _mm_max_epu8(_mm256_castsi256_si128(top), _mm256_extracti128_si256(top, 1)),
+            _mm256_castsi256_si128(constants.past3), _mm256_castsi256_si128(constants.past4)))) {
         case TWO:
-            masks = narrowMasksWide(v);
+            masks = narrowMasksWide(v, constants);
             plan = planChunk(from, masks, 0);
             to = writeChunkWide<TWO>(from, plan.keep, to, constants);
             break;
         case THREE:
-            masks = fullMasksWide<false>(v);
+            masks = fullMasksWide<false>(v, constants);
             plan = planChunk(from, masks, 0);
             to = writeChunkWide<THREE>(from, plan.keep, to, constants);
             break;
         default: { // FOUR
-            const __m256i fours = _mm256_set1_epi8(0x70);
-            masks = fullMasksWide<true>(v);
+            masks = fullMasksWide<true>(v, constants);
             plan = planChunk(from, masks,
-                             bitsOfWide(_mm256_subs_epu8(v[0], fours),
-                                        _mm256_subs_epu8(v[1], fours)));
+                             bitsOfWide(_mm256_subs_epu8(v[0], constants.past4),
+                                        _mm256_subs_epu8(v[1], constants.past4)));
             to = writeChunkWide<FOUR>(from, plan.keep, to, constants);
             break;
         }
