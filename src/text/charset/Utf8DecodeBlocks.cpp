@@ -1,15 +1,17 @@
-// The block loop of the fast UTF-8 decoder on x86-64 processors with SSSE3, SSE4.1 and POPCNT
-// (chosen once at run time; decodeUtf8Common calls decodeUtf8Blocks first and carries on from
-// where it stops). Mixed text of any script goes 64 bytes at a time.
+// The block loop of the fast UTF-8 decoder on x86-64 processors with SSSE3, SSE4.1 and POPCNT,
+// and with AVX2 on Linux (chosen once at run time; decodeUtf8Common calls decodeUtf8Blocks first
+// and carries on from where it stops). Mixed text of any script goes 64 bytes at a time.
 //
 // A chunk of 64 bytes is loaded and checked at once. All ASCII: widenAscii. Without bytes
 // 0xE0-0xFF (Latin-1, Cyrillic, Greek): a few masks find the faults (narrowMasks). Otherwise
-// three nibble tables do (blockFaults). Then steps of sixteen bytes walk the chunk's masks of
-// sequence starts: every byte gets a candidate unit (ASCII as it is, a lead with the bytes after
-// it; a four-byte lead its high surrogate and its first continuation byte the low one), the
+// three nibble tables do (blockFaults). Then the chunk is written in four independent steps of
+// sixteen bytes: every byte gets a candidate unit (ASCII as it is, a lead with the bytes after
+// it; a four-byte lead its high surrogate and its first continuation byte the low one), and the
 // candidates of the bytes that start sequences (and of the low surrogates) are compressed to the
-// front with pshufb, eight lanes at a time, and the step takes the sequences that end within the
-// sixteen bytes. How much arithmetic a candidate needs depends on the chunk's longest lead.
+// front with pshufb, eight lanes at a time. The chunk's masks say which lanes those are and how
+// far the chunk goes (planChunk): up to a last sequence that runs past its end, or before the
+// sequence holding its first fault. How much arithmetic a candidate needs depends on the longest
+// lead of the chunk and its recent neighbours (ChunkMode).
 //
 // What it leaves: a chunk with a fault goes as far as the steps can before it, then a sequence
 // at a time to its end (decodeFaultyChunk), which stops before a sequence that needs an
@@ -135,7 +137,7 @@ QNCL_SSE41 inline uint64_t bitsOf(__m128i b0, __m128i b1, __m128i b2, __m128i b3
 }
 
 // A chunk's bits, one per byte, lowest first: where sequences start (every byte but the
-// continuation bytes), and how far the walk may go (the first fault, or CHUNK).
+// continuation bytes), and where the first fault is (CHUNK when there is none).
 struct ChunkMasks {
     uint64_t starts;
     long usable;
@@ -274,7 +276,7 @@ QNCL_INLINE ChunkPlan planChunk(const uint8_t* from, const ChunkMasks& masks, ui
     std::memcpy(&last, from + 60, 4);
     const unsigned cut = (((last >> 24) + 0x40) >> 8) + 2 * ((((last >> 16) & 0xFF) + 0x20) >> 8) +
                          3 * ((((last >> 8) & 0xFF) + 0x10) >> 8);
-    return {lanes & (~uint64_t{0} >> cut), CHUNK - cut};
+    return {lanes & (~uint64_t{0} >> cut), CHUNK - static_cast<long>(cut)};
 }
 
 // The units of a chunk's kept lanes, sixteen bytes a step; the steps are independent of each
@@ -290,7 +292,8 @@ QNCL_SSE41 inline char16_t* writeChunk(const uint8_t* from, uint64_t keep, char1
     }
     return to;
 }
-// A fault stopped the walk: the rest of the chunk goes a sequence at a time, where faults tend
+
+// A fault stopped the steps: the rest of the chunk goes a sequence at a time, where faults tend
 // to come in numbers (text in another encoding), the next chunk's check would not pay. The
 // stretch takes what it can; a byte that starts no sequence becomes U+FFFD as in the simple
 // loop. False before a sequence that needs the simple loop (an exception or the substitution
