@@ -201,25 +201,23 @@ template <Widest W> QNCL_SSE41 inline __m128i unitsOf(__m128i pairs, __m128i thi
     __m128i multi = two;
     if constexpr (W >= THREE) {
         // As signed lanes, leads 0xE0 and up are above -8193 (0xDFFF), 0xF0 and up above -4097.
-        multi = _mm_blendv_epi8(multi, _mm_or_si128(_mm_slli_epi16(two, 6), thirds),
-                                _mm_cmpgt_epi16(pairs, _mm_set1_epi16(-8193)));
-    }
-    if constexpr (W == FOUR) {
-        // The high surrogate: 0xD800 + (value - 0x10000 >> 10), from the lead, the first
-        // continuation and the top two payload bits of the second. two << 2 has the lead's
-        // payload with its marker bit 0x10 (0x1000 after the shift), which the sum takes back.
-        const __m128i high =
-            _mm_add_epi16(_mm_or_si128(_mm_slli_epi16(two, 2), _mm_srli_epi16(thirds, 4)),
-                          _mm_set1_epi16(static_cast<short>(0xD7C0 - 0x1000)));
-        // The low one, in the lane of the first continuation: its follower's low four payload
-        // bits and the last byte's six.
-        const __m128i low = _mm_or_si128(
-            _mm_or_si128(_mm_slli_epi16(_mm_and_si128(pairs, _mm_set1_epi16(0x0F)), 6), thirds),
-            _mm_set1_epi16(static_cast<short>(0xDC00)));
-        multi = _mm_blendv_epi8(multi, high, _mm_cmpgt_epi16(pairs, _mm_set1_epi16(-4097)));
-        // Continuation bytes (0x80-0xBF) are the lanes below -16384.
-        multi = _mm_blendv_epi8(multi, low,
-                                _mm_cmplt_epi16(pairs, _mm_set1_epi16(static_cast<short>(0xC000))));
+        const __m128i three = _mm_or_si128(_mm_slli_epi16(two, 6), thirds);
+        multi = _mm_blendv_epi8(multi, three, _mm_cmpgt_epi16(pairs, _mm_set1_epi16(-8193)));
+        if constexpr (W == FOUR) {
+            // three holds the low four bits of its byte, six of the next and six of the one
+            // after. In a four-byte lead's lane that is value - 0x10000 >> 6: the high surrogate
+            // is 0xD800 + three >> 4. In its first continuation's lane the low ten bits are those
+            // of the low surrogate.
+            const __m128i high =
+                _mm_add_epi16(_mm_srli_epi16(three, 4), _mm_set1_epi16(static_cast<short>(0xD7C0)));
+            const __m128i low =
+                _mm_or_si128(_mm_and_si128(three, _mm_set1_epi16(0x3FF)),
+                             _mm_set1_epi16(static_cast<short>(0xDC00)));
+            multi = _mm_blendv_epi8(multi, high, _mm_cmpgt_epi16(pairs, _mm_set1_epi16(-4097)));
+            // Continuation bytes (0x80-0xBF) are the lanes below -16384.
+            multi = _mm_blendv_epi8(
+                multi, low, _mm_cmplt_epi16(pairs, _mm_set1_epi16(static_cast<short>(0xC000))));
+        }
     }
     return _mm_blendv_epi8(_mm_srli_epi16(pairs, 8), multi, _mm_srai_epi16(pairs, 15));
 }
@@ -415,7 +413,7 @@ struct WideConstants {
     __m256i prevHigh, prevLow, curHigh, nibble, past3, past4, twoConts, belowConts, belowLeads,
         even, c0;
     // The units.
-    __m256i low6, lead5, low4, threeLeads, fourLeads, continuations, highBase, lowBase;
+    __m256i low6, lead5, low10, threeLeads, fourLeads, continuations, highBase, lowBase;
 };
 
 QNCL_AVX2_STEPS inline __m256i opaque(__m256i v) {
@@ -444,13 +442,13 @@ QNCL_AVX2_STEPS inline WideConstants wideConstants() {
             opaque(_mm256_set1_epi8(static_cast<char>(0xC0))),
             opaque(_mm256_set1_epi16(0x3F)),
             opaque(_mm256_set1_epi16(0x1F00)),
-            opaque(_mm256_set1_epi16(0x0F)),
+            opaque(_mm256_set1_epi16(0x3FF)),
             // As signed lanes, leads 0xE0 and up are above -8193 (0xDFFF), 0xF0 and up above
             // -4097; continuation bytes are below -16384.
             opaque(_mm256_set1_epi16(-8193)),
             opaque(_mm256_set1_epi16(-4097)),
             opaque(_mm256_set1_epi16(static_cast<short>(0xC000))),
-            opaque(_mm256_set1_epi16(static_cast<short>(0xD7C0 - 0x1000))),
+            opaque(_mm256_set1_epi16(static_cast<short>(0xD7C0))),
             opaque(_mm256_set1_epi16(static_cast<short>(0xDC00)))};
 }
 
@@ -515,17 +513,15 @@ QNCL_AVX2_STEPS inline __m256i unitsOfWide(__m256i pairs, __m256i thirds, const 
     const __m256i two = _mm256_or_si256(_mm256_srli_epi16(_mm256_and_si256(pairs, c.lead5), 2),
                                         _mm256_and_si256(pairs, c.low6));
     __m256i multi = two;
-    if constexpr (W >= THREE)
-        multi = _mm256_blendv_epi8(multi, _mm256_or_si256(_mm256_slli_epi16(two, 6), thirds),
-                                   _mm256_cmpgt_epi16(pairs, c.threeLeads));
-    if constexpr (W == FOUR) {
-        const __m256i high = _mm256_add_epi16(
-            _mm256_or_si256(_mm256_slli_epi16(two, 2), _mm256_srli_epi16(thirds, 4)), c.highBase);
-        const __m256i low = _mm256_or_si256(
-            _mm256_or_si256(_mm256_slli_epi16(_mm256_and_si256(pairs, c.low4), 6), thirds),
-            c.lowBase);
-        multi = _mm256_blendv_epi8(multi, high, _mm256_cmpgt_epi16(pairs, c.fourLeads));
-        multi = _mm256_blendv_epi8(multi, low, _mm256_cmpgt_epi16(c.continuations, pairs));
+    if constexpr (W >= THREE) {
+        const __m256i three = _mm256_or_si256(_mm256_slli_epi16(two, 6), thirds);
+        multi = _mm256_blendv_epi8(multi, three, _mm256_cmpgt_epi16(pairs, c.threeLeads));
+        if constexpr (W == FOUR) {
+            const __m256i high = _mm256_add_epi16(_mm256_srli_epi16(three, 4), c.highBase);
+            const __m256i low = _mm256_or_si256(_mm256_and_si256(three, c.low10), c.lowBase);
+            multi = _mm256_blendv_epi8(multi, high, _mm256_cmpgt_epi16(pairs, c.fourLeads));
+            multi = _mm256_blendv_epi8(multi, low, _mm256_cmpgt_epi16(c.continuations, pairs));
+        }
     }
     return _mm256_blendv_epi8(_mm256_srli_epi16(pairs, 8), multi, _mm256_srai_epi16(pairs, 15));
 }
