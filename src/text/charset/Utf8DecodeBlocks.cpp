@@ -1,15 +1,17 @@
-// The block loop of the fast UTF-8 decoder on x86-64 processors with SSSE3, SSE4.1 and POPCNT
-// (chosen once at run time; decodeUtf8Common calls decodeUtf8Blocks first and carries on from
-// where it stops). Mixed text of any script goes 64 bytes at a time.
+// The block loop of the fast UTF-8 decoder on x86-64 processors with SSSE3, SSE4.1 and POPCNT,
+// and with AVX2 on Linux (chosen once at run time; decodeUtf8Common calls decodeUtf8Blocks first
+// and carries on from where it stops). Mixed text of any script goes 64 bytes at a time.
 //
 // A chunk of 64 bytes is loaded and checked at once. All ASCII: widenAscii. Without bytes
 // 0xE0-0xFF (Latin-1, Cyrillic, Greek): a few masks find the faults (narrowMasks). Otherwise
-// three nibble tables do (blockFaults). Then steps of sixteen bytes walk the chunk's masks of
-// sequence starts: every byte gets a candidate unit (ASCII as it is, a lead with the bytes after
-// it; a four-byte lead its high surrogate and its first continuation byte the low one), the
+// three nibble tables do (blockFaults). Then the chunk is written in four independent steps of
+// sixteen bytes: every byte gets a candidate unit (ASCII as it is, a lead with the bytes after
+// it; a four-byte lead its high surrogate and its first continuation byte the low one), and the
 // candidates of the bytes that start sequences (and of the low surrogates) are compressed to the
-// front with pshufb, eight lanes at a time, and the step takes the sequences that end within the
-// sixteen bytes. How much arithmetic a candidate needs depends on the chunk's longest lead.
+// front with pshufb, eight lanes at a time. The chunk's masks say which lanes those are and how
+// far the chunk goes (planChunk): up to a last sequence that runs past its end, or before the
+// sequence holding its first fault. How much arithmetic a candidate needs depends on the longest
+// lead of the chunk and its recent neighbours (ChunkMode).
 //
 // What it leaves: a chunk with a fault goes as far as the steps can before it, then a sequence
 // at a time to its end (decodeFaultyChunk), which stops before a sequence that needs an
@@ -28,8 +30,15 @@
 
 #ifdef QNCL_UTF8_DECODE_BLOCKS
 
-#include <smmintrin.h>
-#include <tmmintrin.h>
+#include <immintrin.h>
+
+#include <cstring>
+
+// The 256-bit steps are compiled tuned as for Haswell: tuned for no processor in particular, GCC
+// builds every vector constant afresh from an integer register in each step (three instructions
+// apiece) rather than load it. GCC inlines a function into one of another tuning only when told to.
+#define QNCL_AVX2_STEPS __attribute__((target("avx2,popcnt,tune=haswell")))
+#define QNCL_INLINE inline __attribute__((always_inline))
 
 namespace qn::text::charset::utf {
 
@@ -56,58 +65,66 @@ struct CompressTable {
 
 constexpr CompressTable COMPRESS{};
 
-// One byte per position, nonzero where the block at bytes (read as if ASCII came before it) has
-// a fault; see the top of the file. Three nibble tables classify each pair of neighbours (the
-// bits below); the third and fourth bytes of long forms are checked against the leads two and
-// three bytes back.
-template <bool Four> QNCL_SSE41 inline __m128i blockFaults(__m128i bytes, __m128i before) {
-    constexpr int8_t TOO_SHORT = 0x01;  // a lead, then no continuation
-    constexpr int8_t TOO_LONG = 0x02;   // ASCII, then a continuation
-    constexpr int8_t OVERLONG = 0x04;   // C0 or C1, then a continuation
-    constexpr int8_t SURROGATE = 0x08;  // ED, then A0-BF
-    constexpr int8_t FOUR_80 = 0x10;    // F0 or F5-FF, then 80-8F
-    constexpr int8_t FOUR_90 = 0x20;    // F4-FF, then 90-AF
-    constexpr int8_t FOUR_B0 = 0x40;    // F0-FF, then B0-BF
-    constexpr int8_t TWO_CONTS = -0x80; // a continuation, then another
-    constexpr int8_t FOUR = FOUR_80 | FOUR_90 | FOUR_B0;
-    constexpr int8_t CONT_NEXT = TOO_LONG | OVERLONG | TWO_CONTS;
+// The pair classes of the fault check (see blockFaults): a bit is set in the three tables' entries
+// for a byte and its follower when the pair can be that kind of fault.
+constexpr int8_t TOO_SHORT = 0x01;  // a lead, then no continuation
+constexpr int8_t TOO_LONG = 0x02;   // ASCII, then a continuation
+constexpr int8_t OVERLONG = 0x04;   // C0 or C1, then a continuation
+constexpr int8_t SURROGATE = 0x08;  // ED, then A0-BF
+constexpr int8_t FOUR_80 = 0x10;    // F0 or F5-FF, then 80-8F
+constexpr int8_t FOUR_90 = 0x20;    // F4-FF, then 90-AF
+constexpr int8_t FOUR_B0 = 0x40;    // F0-FF, then B0-BF
+constexpr int8_t TWO_CONTS = -0x80; // a continuation, then another
+constexpr int8_t FOUR_ANY = FOUR_80 | FOUR_90 | FOUR_B0;
+constexpr int8_t CONT_NEXT = TOO_LONG | OVERLONG | TWO_CONTS;
+constexpr int8_t ANY = TOO_SHORT | TOO_LONG | TWO_CONTS | FOUR_B0;
+constexpr int8_t HIGH_LEADS = ANY | FOUR_80 | FOUR_90;
 
+// By the high nibble of a byte, its low nibble, and the high nibble of its follower.
+struct alignas(16) FaultTables {
+    int8_t prevHigh[16];
+    int8_t prevLow[16];
+    int8_t curHigh[16];
+};
+
+constexpr FaultTables FAULTS = {
+    {TOO_LONG, TOO_LONG, TOO_LONG, TOO_LONG, TOO_LONG, TOO_LONG, TOO_LONG, TOO_LONG, TWO_CONTS,
+     TWO_CONTS, TWO_CONTS, TWO_CONTS, TOO_SHORT | OVERLONG, TOO_SHORT, TOO_SHORT | SURROGATE,
+     TOO_SHORT | FOUR_ANY},
+    {ANY | OVERLONG | FOUR_80, ANY | OVERLONG, ANY, ANY, ANY | FOUR_90, HIGH_LEADS, HIGH_LEADS,
+     HIGH_LEADS, HIGH_LEADS, HIGH_LEADS, HIGH_LEADS, HIGH_LEADS, HIGH_LEADS,
+     HIGH_LEADS | SURROGATE, HIGH_LEADS, HIGH_LEADS},
+    {TOO_SHORT, TOO_SHORT, TOO_SHORT, TOO_SHORT, TOO_SHORT, TOO_SHORT, TOO_SHORT, TOO_SHORT,
+     CONT_NEXT | FOUR_80, CONT_NEXT | FOUR_90, CONT_NEXT | SURROGATE | FOUR_90,
+     CONT_NEXT | SURROGATE | FOUR_B0, TOO_SHORT, TOO_SHORT, TOO_SHORT, TOO_SHORT},
+};
+
+QNCL_SSE41 inline __m128i faultTable(const int8_t (&table)[16]) {
+    return _mm_load_si128(reinterpret_cast<const __m128i*>(table));
+}
+
+// One byte per position, nonzero where the block at bytes (read as if before came before it) has
+// a fault; see the top of the file. The three tables classify each pair of neighbours; the third
+// and fourth bytes of long forms are checked against the leads two and three bytes back: 0x80
+// where a continuation must come (two bytes after E0-FF, three after F0-FF). A continuation there
+// is the one place TWO_CONTS is right; anywhere else it is a fault.
+template <bool Four> QNCL_SSE41 inline __m128i blockFaults(__m128i bytes, __m128i before) {
     const __m128i prev1 = _mm_alignr_epi8(bytes, before, 15);
     const __m128i lowNibbles = _mm_set1_epi8(0x0F);
-    const __m128i prevHigh = _mm_and_si128(_mm_srli_epi16(prev1, 4), lowNibbles);
-    const __m128i prevLow = _mm_and_si128(prev1, lowNibbles);
-    const __m128i curHigh = _mm_and_si128(_mm_srli_epi16(bytes, 4), lowNibbles);
-    const __m128i byPrevHigh = _mm_shuffle_epi8(
-        _mm_setr_epi8(TOO_LONG, TOO_LONG, TOO_LONG, TOO_LONG, TOO_LONG, TOO_LONG, TOO_LONG,
-                      TOO_LONG, TWO_CONTS, TWO_CONTS, TWO_CONTS, TWO_CONTS, TOO_SHORT | OVERLONG,
-                      TOO_SHORT, TOO_SHORT | SURROGATE, TOO_SHORT | FOUR),
-        prevHigh);
-    constexpr int8_t ANY = TOO_SHORT | TOO_LONG | TWO_CONTS | FOUR_B0;
-    const __m128i byPrevLow = _mm_shuffle_epi8(
-        _mm_setr_epi8(ANY | OVERLONG | FOUR_80, ANY | OVERLONG, ANY, ANY, ANY | FOUR_90,
-                      ANY | FOUR_80 | FOUR_90, ANY | FOUR_80 | FOUR_90, ANY | FOUR_80 | FOUR_90,
-                      ANY | FOUR_80 | FOUR_90, ANY | FOUR_80 | FOUR_90, ANY | FOUR_80 | FOUR_90,
-                      ANY | FOUR_80 | FOUR_90, ANY | FOUR_80 | FOUR_90,
-                      ANY | SURROGATE | FOUR_80 | FOUR_90, ANY | FOUR_80 | FOUR_90,
-                      ANY | FOUR_80 | FOUR_90),
-        prevLow);
-    const __m128i byCurHigh = _mm_shuffle_epi8(
-        _mm_setr_epi8(TOO_SHORT, TOO_SHORT, TOO_SHORT, TOO_SHORT, TOO_SHORT, TOO_SHORT, TOO_SHORT,
-                      TOO_SHORT, CONT_NEXT | FOUR_80, CONT_NEXT | FOUR_90,
-                      CONT_NEXT | SURROGATE | FOUR_90, CONT_NEXT | SURROGATE | FOUR_B0, TOO_SHORT,
-                      TOO_SHORT, TOO_SHORT, TOO_SHORT),
-        curHigh);
-    const __m128i pairs = _mm_and_si128(_mm_and_si128(byPrevHigh, byPrevLow), byCurHigh);
-    // 0x80 where a continuation must come: two bytes after E0-FF, three after F0-FF. A
-    // continuation there is the one place TWO_CONTS is right; anywhere else it is a fault.
-    const __m128i third =
+    const __m128i pairs = _mm_and_si128(
+        _mm_and_si128(
+            _mm_shuffle_epi8(faultTable(FAULTS.prevHigh),
+                             _mm_and_si128(_mm_srli_epi16(prev1, 4), lowNibbles)),
+            _mm_shuffle_epi8(faultTable(FAULTS.prevLow), _mm_and_si128(prev1, lowNibbles))),
+        _mm_shuffle_epi8(faultTable(FAULTS.curHigh),
+                         _mm_and_si128(_mm_srli_epi16(bytes, 4), lowNibbles)));
+    __m128i mustContinue =
         _mm_subs_epu8(_mm_alignr_epi8(bytes, before, 14), _mm_set1_epi8(0xE0 - 0x80));
-    __m128i mustContinue = third;
     if constexpr (Four)
         mustContinue = _mm_or_si128(
-            third, _mm_subs_epu8(_mm_alignr_epi8(bytes, before, 13), _mm_set1_epi8(0xF0 - 0x80)));
-    mustContinue = _mm_and_si128(mustContinue, _mm_set1_epi8(TWO_CONTS));
-    return _mm_xor_si128(pairs, mustContinue);
+            mustContinue,
+            _mm_subs_epu8(_mm_alignr_epi8(bytes, before, 13), _mm_set1_epi8(0xF0 - 0x80)));
+    return _mm_xor_si128(pairs, _mm_and_si128(mustContinue, _mm_set1_epi8(TWO_CONTS)));
 }
 
 constexpr long CHUNK = 64;
@@ -120,7 +137,7 @@ QNCL_SSE41 inline uint64_t bitsOf(__m128i b0, __m128i b1, __m128i b2, __m128i b3
 }
 
 // A chunk's bits, one per byte, lowest first: where sequences start (every byte but the
-// continuation bytes), and how far the walk may go (the first fault, or CHUNK).
+// continuation bytes), and where the first fault is (CHUNK when there is none).
 struct ChunkMasks {
     uint64_t starts;
     long usable;
@@ -184,25 +201,23 @@ template <Widest W> QNCL_SSE41 inline __m128i unitsOf(__m128i pairs, __m128i thi
     __m128i multi = two;
     if constexpr (W >= THREE) {
         // As signed lanes, leads 0xE0 and up are above -8193 (0xDFFF), 0xF0 and up above -4097.
-        multi = _mm_blendv_epi8(multi, _mm_or_si128(_mm_slli_epi16(two, 6), thirds),
-                                _mm_cmpgt_epi16(pairs, _mm_set1_epi16(-8193)));
-    }
-    if constexpr (W == FOUR) {
-        // The high surrogate: 0xD800 + (value - 0x10000 >> 10), from the lead, the first
-        // continuation and the top two payload bits of the second. two << 2 has the lead's
-        // payload with its marker bit 0x10 (0x1000 after the shift), which the sum takes back.
-        const __m128i high =
-            _mm_add_epi16(_mm_or_si128(_mm_slli_epi16(two, 2), _mm_srli_epi16(thirds, 4)),
-                          _mm_set1_epi16(static_cast<short>(0xD7C0 - 0x1000)));
-        // The low one, in the lane of the first continuation: its follower's low four payload
-        // bits and the last byte's six.
-        const __m128i low = _mm_or_si128(
-            _mm_or_si128(_mm_slli_epi16(_mm_and_si128(pairs, _mm_set1_epi16(0x0F)), 6), thirds),
-            _mm_set1_epi16(static_cast<short>(0xDC00)));
-        multi = _mm_blendv_epi8(multi, high, _mm_cmpgt_epi16(pairs, _mm_set1_epi16(-4097)));
-        // Continuation bytes (0x80-0xBF) are the lanes below -16384.
-        multi = _mm_blendv_epi8(multi, low,
-                                _mm_cmplt_epi16(pairs, _mm_set1_epi16(static_cast<short>(0xC000))));
+        const __m128i three = _mm_or_si128(_mm_slli_epi16(two, 6), thirds);
+        multi = _mm_blendv_epi8(multi, three, _mm_cmpgt_epi16(pairs, _mm_set1_epi16(-8193)));
+        if constexpr (W == FOUR) {
+            // three holds the low four bits of its byte, six of the next and six of the one
+            // after. In a four-byte lead's lane that is value - 0x10000 >> 6: the high surrogate
+            // is 0xD800 + three >> 4. In its first continuation's lane the low ten bits are those
+            // of the low surrogate.
+            const __m128i high =
+                _mm_add_epi16(_mm_srli_epi16(three, 4), _mm_set1_epi16(static_cast<short>(0xD7C0)));
+            const __m128i low =
+                _mm_or_si128(_mm_and_si128(three, _mm_set1_epi16(0x3FF)),
+                             _mm_set1_epi16(static_cast<short>(0xDC00)));
+            multi = _mm_blendv_epi8(multi, high, _mm_cmpgt_epi16(pairs, _mm_set1_epi16(-4097)));
+            // Continuation bytes (0x80-0xBF) are the lanes below -16384.
+            multi = _mm_blendv_epi8(
+                multi, low, _mm_cmplt_epi16(pairs, _mm_set1_epi16(static_cast<short>(0xC000))));
+        }
     }
     return _mm_blendv_epi8(_mm_srli_epi16(pairs, 8), multi, _mm_srai_epi16(pairs, 15));
 }
@@ -234,30 +249,49 @@ QNCL_SSE41 inline void writeCompressed(const uint8_t* from, __m128i bytes, unsig
                          _mm_load_si128(reinterpret_cast<const __m128i*>(COMPRESS.shuffle[high]))));
 }
 
-// The walk over a chunk: steps of sixteen bytes from k while the masks know the byte after the
-// block (k + 16 < CHUNK) and bytes k..k+16 are free of faults; each takes the sequences that end
-// within the block. With FOUR, four holds the chunk's four-byte leads, whose next lanes are kept
-// too.
-template <Widest W>
-QNCL_SSE41 inline long walkChunk(const uint8_t* from, const ChunkMasks& masks, uint64_t four,
-                                 char16_t*& to) {
-    long k = 0;
-    while (k <= CHUNK - 17 && k + 17 <= masks.usable) {
-        const __m128i bytes = _mm_loadu_si128(reinterpret_cast<const __m128i*>(from + k));
-        const unsigned ends = static_cast<unsigned>(masks.starts >> (k + 1)) & 0xFFFFu;
-        const unsigned taken = 32 - __builtin_clz(ends);
-        unsigned keep = static_cast<unsigned>(masks.starts >> k);
-        if constexpr (W == FOUR)
-            keep |= static_cast<unsigned>(four >> k) << 1;
-        keep &= (1u << taken) - 1;
-        writeCompressed<W>(from + k, bytes, keep, to);
-        k += taken;
-        to += __builtin_popcount(keep);
+// A chunk's writing: the lanes whose units are kept (sequence starts, and the lanes of the first
+// continuation bytes of four-byte forms, which hold the low surrogates) and how many of the
+// chunk's bytes that takes. A clean chunk takes all its sequences but a last one that goes on
+// past byte 63. Otherwise the chunk takes the sequences before the last start below the first
+// fault: a fault is found no later than the start of the sequence after the one it belongs to,
+// so every sequence before that start is whole and well formed.
+struct ChunkPlan {
+    uint64_t keep;
+    long taken;
+};
+
+QNCL_INLINE ChunkPlan planChunk(const uint8_t* from, const ChunkMasks& masks, uint64_t fourLeads) {
+    const uint64_t lanes = masks.starts | fourLeads << 1;
+    if (masks.usable < CHUNK) {
+        const uint64_t before = masks.starts & ((uint64_t{1} << masks.usable) - 1);
+        const long taken = before == 0 ? 0 : 63 - __builtin_clzll(before);
+        return {lanes & ((uint64_t{1} << taken) - 1), taken};
     }
-    return k;
+    // A lead in byte 63, a three- or four-byte lead in byte 62 or a four-byte one in byte 61
+    // starts a sequence that goes on; in a clean chunk at most one of them is there. Which one
+    // follows the text, so it is found by arithmetic: byte + 0x40 reaches 0x100 from 0xC0 on.
+    uint32_t last;
+    std::memcpy(&last, from + 60, 4);
+    const unsigned cut = (((last >> 24) + 0x40) >> 8) + 2 * ((((last >> 16) & 0xFF) + 0x20) >> 8) +
+                         3 * ((((last >> 8) & 0xFF) + 0x10) >> 8);
+    return {lanes & (~uint64_t{0} >> cut), CHUNK - static_cast<long>(cut)};
 }
 
-// A fault stopped the walk: the rest of the chunk goes a sequence at a time, where faults tend
+// The units of a chunk's kept lanes, sixteen bytes a step; the steps are independent of each
+// other but for where they store.
+template <Widest W>
+QNCL_SSE41 inline char16_t* writeChunk(const uint8_t* from, uint64_t keep, char16_t* to) {
+    for (int b = 0; b < 4; ++b) {
+        const unsigned lanes = static_cast<unsigned>(keep >> (16 * b)) & 0xFFFFu;
+        writeCompressed<W>(from + 16 * b,
+                           _mm_loadu_si128(reinterpret_cast<const __m128i*>(from + 16 * b)),
+                           lanes, to);
+        to += __builtin_popcount(lanes);
+    }
+    return to;
+}
+
+// A fault stopped the steps: the rest of the chunk goes a sequence at a time, where faults tend
 // to come in numbers (text in another encoding), the next chunk's check would not pay. The
 // stretch takes what it can; a byte that starts no sequence becomes U+FFFD as in the simple
 // loop. False before a sequence that needs the simple loop (an exception or the substitution
@@ -280,15 +314,46 @@ inline bool decodeFaultyChunk(const uint8_t* in, long& i, long end, long inEnd, 
     return true;
 }
 
-// Chunks of 64 bytes are checked at once, then walked (see walkChunk); the next chunk starts
-// where the walk ended. The walk carries only k from step to step, through the masks: the loads
-// and the arithmetic of a step are off that path. No step reads past byte 64 of the chunk
-// (k + 17 for k <= 47) and the walk ends by k = 63; a step stores at most sixteen units and
-// units never outnumber bytes; so with 96 bytes of input and 96 units of output the chunk, and
-// decodeFaultyChunk to its end (with three bytes to read ahead), stay inside both buffers.
+// Chunks of 64 bytes are checked, then written (planChunk, writeChunk); the next chunk starts
+// where this one's sequences end. A chunk reads up to byte 66 (its last step's third bytes) and
+// stores at most 64 units (a unit per byte at most, the last step's stores end within that);
+// decodeFaultyChunk reads up to three bytes past the chunk. So with 96 bytes of input and 96 units
+// of output left, everything stays inside both buffers.
+constexpr long ROOM = CHUNK + 32;
+
+// How long a chunk's sequences may be, from the largest of its bytes in each lane of top: bytes
+// from 0xE0 (0xF0) up are those still 0x80 or more less 0x60 (0x70).
+QNCL_SSE41 QNCL_INLINE Widest widestIn(__m128i top, __m128i past3, __m128i past4) {
+    if (_mm_movemask_epi8(_mm_subs_epu8(top, past3)) == 0)
+        return TWO;
+    return _mm_movemask_epi8(_mm_subs_epu8(top, past4)) == 0 ? THREE : FOUR;
+}
+
+// The class a chunk is written with: the widest of the recent chunks' classes, so that text
+// mixing them (Western text with the odd curly quote, lines with a word of Chinese here and there)
+// takes one path and the branch stays predictable. It narrows after 16 chunks in a row that
+// would have allowed a narrower one.
+struct ChunkMode {
+    Widest mode = TWO;
+    unsigned narrower = 0;
+
+    QNCL_INLINE Widest next(Widest widest) {
+        if (widest > mode) {
+            mode = widest;
+            narrower = 0;
+        }
+        narrower = widest < mode ? narrower + 1 : 0;
+        if (narrower > 16) {
+            mode = widest;
+            narrower = 0;
+        }
+        return mode;
+    }
+};
+
 QNCL_SSE41 void decodeBlocks(const uint8_t* in, long& inPos, long inEnd, char16_t* out,
                              long& outPos, long outEnd) {
-    constexpr long ROOM = CHUNK + 32;
+    ChunkMode modes;
     long i = inPos;
     long o = outPos;
     while (inEnd - i >= ROOM && outEnd - o >= ROOM) {
@@ -302,25 +367,31 @@ QNCL_SSE41 void decodeBlocks(const uint8_t* in, long& inPos, long inEnd, char16_
             widenAscii(in, i, inEnd, out, o, outEnd);
             continue;
         }
-        char16_t* to = out + o;
-        long k;
         ChunkMasks masks;
-        // Bytes from 0xE0 (0xF0) up are those still 0x80 or more less 0x60 (0x70).
-        const __m128i fours = _mm_set1_epi8(0x70);
-        if (_mm_movemask_epi8(_mm_subs_epu8(top, _mm_set1_epi8(0x60))) == 0) {
+        ChunkPlan plan;
+        char16_t* to = out + o;
+        switch (modes.next(widestIn(top, _mm_set1_epi8(0x60), _mm_set1_epi8(0x70)))) {
+        case TWO:
             masks = narrowMasks(v);
-            k = walkChunk<TWO>(from, masks, 0, to);
-        } else if (_mm_movemask_epi8(_mm_subs_epu8(top, fours)) == 0) {
+            plan = planChunk(from, masks, 0);
+            to = writeChunk<TWO>(from, plan.keep, to);
+            break;
+        case THREE:
             masks = fullMasks<false>(v);
-            k = walkChunk<THREE>(from, masks, 0, to);
-        } else {
+            plan = planChunk(from, masks, 0);
+            to = writeChunk<THREE>(from, plan.keep, to);
+            break;
+        default: { // FOUR
+            const __m128i fours = _mm_set1_epi8(0x70);
             masks = fullMasks<true>(v);
-            k = walkChunk<FOUR>(from, masks,
-                                bitsOf(_mm_subs_epu8(v[0], fours), _mm_subs_epu8(v[1], fours),
-                                       _mm_subs_epu8(v[2], fours), _mm_subs_epu8(v[3], fours)),
-                                to);
+            plan = planChunk(from, masks,
+                             bitsOf(_mm_subs_epu8(v[0], fours), _mm_subs_epu8(v[1], fours),
+                                    _mm_subs_epu8(v[2], fours), _mm_subs_epu8(v[3], fours)));
+            to = writeChunk<FOUR>(from, plan.keep, to);
+            break;
         }
-        i += k;
+        }
+        i += plan.taken;
         o = to - out;
         if (masks.usable < CHUNK &&
             !decodeFaultyChunk(in, i, from - in + CHUNK, inEnd, out, o, outEnd))
@@ -330,10 +401,220 @@ QNCL_SSE41 void decodeBlocks(const uint8_t* in, long& inPos, long inEnd, char16_
     outPos = o;
 }
 
+#ifdef QNCL_SIMD_WIDE
+// The same with 256-bit vectors (Linux only; see SimdLevel.h): the chunk is two vectors, a fault
+// check covers 32 bytes, and a step's sixteen candidate units are one vector.
+
+// The vector constants of the 256-bit steps, made once per call and hidden from the compiler,
+// which would otherwise build each again in every chunk (three instructions apiece) for want of
+// registers; spilled, they are memory operands.
+struct WideConstants {
+    // The fault check.
+    __m256i prevHigh, prevLow, curHigh, nibble, past3, past4, twoConts, belowConts, belowLeads,
+        even, c0;
+    // The units.
+    __m256i low6, lead5, low10, threeLeads, fourLeads, continuations, highBase, lowBase;
+};
+
+QNCL_AVX2_STEPS inline __m256i opaque(__m256i v) {
+    __asm__("" : "+x"(v));
+    return v;
+}
+
+QNCL_AVX2_STEPS inline __m256i faultTableWide(const int8_t (&table)[16]) {
+    return opaque(
+        _mm256_broadcastsi128_si256(_mm_load_si128(reinterpret_cast<const __m128i*>(table))));
+}
+
+QNCL_AVX2_STEPS inline WideConstants wideConstants() {
+    return {faultTableWide(FAULTS.prevHigh),
+            faultTableWide(FAULTS.prevLow),
+            faultTableWide(FAULTS.curHigh),
+            opaque(_mm256_set1_epi8(0x0F)),
+            // Bytes from 0xE0 (0xF0) up are those still 0x80 or more less 0x60 (0x70).
+            opaque(_mm256_set1_epi8(0xE0 - 0x80)),
+            opaque(_mm256_set1_epi8(0xF0 - 0x80)),
+            opaque(_mm256_set1_epi8(TWO_CONTS)),
+            // As signed bytes, continuation bytes are -128..-65 and leads -64..-1.
+            opaque(_mm256_set1_epi8(-64)),
+            opaque(_mm256_set1_epi8(-65)),
+            opaque(_mm256_set1_epi8(static_cast<char>(0xFE))),
+            opaque(_mm256_set1_epi8(static_cast<char>(0xC0))),
+            opaque(_mm256_set1_epi16(0x3F)),
+            opaque(_mm256_set1_epi16(0x1F00)),
+            opaque(_mm256_set1_epi16(0x3FF)),
+            // As signed lanes, leads 0xE0 and up are above -8193 (0xDFFF), 0xF0 and up above
+            // -4097; continuation bytes are below -16384.
+            opaque(_mm256_set1_epi16(-8193)),
+            opaque(_mm256_set1_epi16(-4097)),
+            opaque(_mm256_set1_epi16(static_cast<short>(0xC000))),
+            opaque(_mm256_set1_epi16(static_cast<short>(0xD7C0))),
+            opaque(_mm256_set1_epi16(static_cast<short>(0xDC00)))};
+}
+
+// blockFaults over 32 bytes; before holds the 32 bytes ahead of them.
+template <bool Four>
+QNCL_AVX2_STEPS inline __m256i blockFaultsWide(__m256i bytes, __m256i before,
+                                               const WideConstants& c) {
+    // Each 128-bit lane of joined holds the sixteen bytes ahead of that lane of bytes.
+    const __m256i joined = _mm256_permute2x128_si256(before, bytes, 0x21);
+    const __m256i prev1 = _mm256_alignr_epi8(bytes, joined, 15);
+    const __m256i pairs = _mm256_and_si256(
+        _mm256_and_si256(
+            _mm256_shuffle_epi8(c.prevHigh,
+                                _mm256_and_si256(_mm256_srli_epi16(prev1, 4), c.nibble)),
+            _mm256_shuffle_epi8(c.prevLow, _mm256_and_si256(prev1, c.nibble))),
+        _mm256_shuffle_epi8(c.curHigh, _mm256_and_si256(_mm256_srli_epi16(bytes, 4), c.nibble)));
+    __m256i mustContinue = _mm256_subs_epu8(_mm256_alignr_epi8(bytes, joined, 14), c.past3);
+    if constexpr (Four)
+        mustContinue = _mm256_or_si256(
+            mustContinue, _mm256_subs_epu8(_mm256_alignr_epi8(bytes, joined, 13), c.past4));
+    return _mm256_xor_si256(pairs, _mm256_and_si256(mustContinue, c.twoConts));
+}
+
+QNCL_AVX2_STEPS inline uint64_t bitsOfWide(__m256i low, __m256i high) {
+    return static_cast<uint64_t>(static_cast<uint32_t>(_mm256_movemask_epi8(low))) |
+           static_cast<uint64_t>(static_cast<uint32_t>(_mm256_movemask_epi8(high))) << 32;
+}
+
+QNCL_AVX2_STEPS inline ChunkMasks narrowMasksWide(const __m256i (&v)[2], const WideConstants& c) {
+    const uint64_t nonAscii = bitsOfWide(v[0], v[1]);
+    const uint64_t leads =
+        bitsOfWide(_mm256_cmpgt_epi8(v[0], c.belowLeads), _mm256_cmpgt_epi8(v[1], c.belowLeads)) &
+        nonAscii;
+    const uint64_t conts = nonAscii & ~leads;
+    uint64_t faults = conts ^ (leads << 1);
+    const __m256i overlong[2] = {_mm256_cmpeq_epi8(_mm256_and_si256(v[0], c.even), c.c0),
+                                 _mm256_cmpeq_epi8(_mm256_and_si256(v[1], c.even), c.c0)};
+    const __m256i any = _mm256_or_si256(overlong[0], overlong[1]);
+    if (!_mm256_testz_si256(any, any))
+        faults |= bitsOfWide(overlong[0], overlong[1]);
+    return {~conts, faults == 0 ? CHUNK : __builtin_ctzll(faults)};
+}
+
+template <bool Four>
+QNCL_AVX2_STEPS inline ChunkMasks fullMasksWide(const __m256i (&v)[2], const WideConstants& c) {
+    const __m256i zero = _mm256_setzero_si256();
+    const __m256i f[2] = {blockFaultsWide<Four>(v[0], zero, c),
+                          blockFaultsWide<Four>(v[1], v[0], c)};
+    const uint64_t starts =
+        ~bitsOfWide(_mm256_cmpgt_epi8(c.belowConts, v[0]), _mm256_cmpgt_epi8(c.belowConts, v[1]));
+    const __m256i any = _mm256_or_si256(f[0], f[1]);
+    if (_mm256_testz_si256(any, any))
+        return {starts, CHUNK};
+    const uint64_t clean =
+        bitsOfWide(_mm256_cmpeq_epi8(f[0], zero), _mm256_cmpeq_epi8(f[1], zero));
+    return {starts, __builtin_ctzll(~clean)};
+}
+
+// unitsOf over sixteen lanes.
+template <Widest W>
+QNCL_AVX2_STEPS inline __m256i unitsOfWide(__m256i pairs, __m256i thirds, const WideConstants& c) {
+    const __m256i two = _mm256_or_si256(_mm256_srli_epi16(_mm256_and_si256(pairs, c.lead5), 2),
+                                        _mm256_and_si256(pairs, c.low6));
+    __m256i multi = two;
+    if constexpr (W >= THREE) {
+        const __m256i three = _mm256_or_si256(_mm256_slli_epi16(two, 6), thirds);
+        multi = _mm256_blendv_epi8(multi, three, _mm256_cmpgt_epi16(pairs, c.threeLeads));
+        if constexpr (W == FOUR) {
+            const __m256i high = _mm256_add_epi16(_mm256_srli_epi16(three, 4), c.highBase);
+            const __m256i low = _mm256_or_si256(_mm256_and_si256(three, c.low10), c.lowBase);
+            multi = _mm256_blendv_epi8(multi, high, _mm256_cmpgt_epi16(pairs, c.fourLeads));
+            multi = _mm256_blendv_epi8(multi, low, _mm256_cmpgt_epi16(c.continuations, pairs));
+        }
+    }
+    return _mm256_blendv_epi8(_mm256_srli_epi16(pairs, 8), multi, _mm256_srai_epi16(pairs, 15));
+}
+
+QNCL_AVX2_STEPS inline __m256i widened(const uint8_t* at) {
+    return _mm256_cvtepu8_epi16(_mm_loadu_si128(reinterpret_cast<const __m128i*>(at)));
+}
+
+template <Widest W>
+QNCL_AVX2_STEPS inline char16_t* writeChunkWide(const uint8_t* from, uint64_t keep, char16_t* to,
+                                          const WideConstants& c) {
+    for (int b = 0; b < 4; ++b) {
+        const uint8_t* at = from + 16 * b;
+        const __m256i pairs = _mm256_or_si256(_mm256_slli_epi16(widened(at), 8), widened(at + 1));
+        __m256i thirds = pairs;
+        if constexpr (W >= THREE)
+            thirds = _mm256_and_si256(widened(at + 2), c.low6);
+        const unsigned lanes = static_cast<unsigned>(keep >> (16 * b)) & 0xFFFFu;
+        const unsigned low = lanes & 0xFFu;
+        const __m256i shuffle = _mm256_inserti128_si256(
+            _mm256_castsi128_si256(
+                _mm_load_si128(reinterpret_cast<const __m128i*>(COMPRESS.shuffle[low]))),
+            _mm_load_si128(reinterpret_cast<const __m128i*>(COMPRESS.shuffle[lanes >> 8])), 1);
+        const __m256i units = _mm256_shuffle_epi8(unitsOfWide<W>(pairs, thirds, c), shuffle);
+        _mm_storeu_si128(reinterpret_cast<__m128i*>(to), _mm256_castsi256_si128(units));
+        _mm_storeu_si128(reinterpret_cast<__m128i*>(to + __builtin_popcount(low)),
+                         _mm256_extracti128_si256(units, 1));
+        to += __builtin_popcount(lanes);
+    }
+    return to;
+}
+
+QNCL_AVX2_STEPS void decodeBlocksWide(const uint8_t* in, long& inPos, long inEnd, char16_t* out,
+                                long& outPos, long outEnd) {
+    const WideConstants constants = wideConstants();
+    ChunkMode modes;
+    long i = inPos;
+    long o = outPos;
+    while (inEnd - i >= ROOM && outEnd - o >= ROOM) {
+        const uint8_t* from = in + i;
+        const __m256i v[2] = {_mm256_loadu_si256(reinterpret_cast<const __m256i*>(from)),
+                              _mm256_loadu_si256(reinterpret_cast<const __m256i*>(from + 32))};
+        const __m256i top = _mm256_max_epu8(v[0], v[1]);
+        if (_mm256_movemask_epi8(top) == 0) {
+            widenAscii(in, i, inEnd, out, o, outEnd);
+            continue;
+        }
+        ChunkMasks masks;
+        ChunkPlan plan;
+        char16_t* to = out + o;
+        switch (modes.next(widestIn(
+            _mm_max_epu8(_mm256_castsi256_si128(top), _mm256_extracti128_si256(top, 1)),
+            _mm256_castsi256_si128(constants.past3), _mm256_castsi256_si128(constants.past4)))) {
+        case TWO:
+            masks = narrowMasksWide(v, constants);
+            plan = planChunk(from, masks, 0);
+            to = writeChunkWide<TWO>(from, plan.keep, to, constants);
+            break;
+        case THREE:
+            masks = fullMasksWide<false>(v, constants);
+            plan = planChunk(from, masks, 0);
+            to = writeChunkWide<THREE>(from, plan.keep, to, constants);
+            break;
+        default: { // FOUR
+            masks = fullMasksWide<true>(v, constants);
+            plan = planChunk(from, masks,
+                             bitsOfWide(_mm256_subs_epu8(v[0], constants.past4),
+                                        _mm256_subs_epu8(v[1], constants.past4)));
+            to = writeChunkWide<FOUR>(from, plan.keep, to, constants);
+            break;
+        }
+        }
+        i += plan.taken;
+        o = to - out;
+        if (masks.usable < CHUNK &&
+            !decodeFaultyChunk(in, i, from - in + CHUNK, inEnd, out, o, outEnd))
+            break;
+    }
+    inPos = i;
+    outPos = o;
+}
+#endif
 } // namespace
 
-void decodeUtf8Blocks(const uint8_t* in, long& i, long inEnd, char16_t* out, long& o, long outEnd) {
-    if (simdLevel() > 0)
+void decodeUtf8Blocks(const uint8_t* in, long& i, long inEnd, char16_t* out, long& o, long outEnd,
+                      int level) {
+#ifdef QNCL_SIMD_WIDE
+    if (level > 1) {
+        decodeBlocksWide(in, i, inEnd, out, o, outEnd);
+        return;
+    }
+#endif
+    if (level > 0)
         decodeBlocks(in, i, inEnd, out, o, outEnd);
 }
 

@@ -343,8 +343,11 @@ inline bool decodeUtf8Stretch(const uint8_t* in, long& i, long limit, long inEnd
 // time, on processors with SSSE3, SSE4.1 and POPCNT (nothing elsewhere); it also writes U+FFFD
 // for bytes that start no sequence, as the simple loop does. It stops before a sequence that
 // needs the simple loop, or within 96 bytes of the input's end or 96 units of the output's end,
-// and may use the output below outEnd as scratch past the units it writes.
-void decodeUtf8Blocks(const uint8_t* in, long& i, long inEnd, char16_t* out, long& o, long outEnd);
+// and may use the output below outEnd as scratch past the units it writes. level is what
+// simdLevel() allows or less: 1 takes 128-bit steps, 2 256-bit ones where they are built; the
+// two stop at the same place with the same units.
+void decodeUtf8Blocks(const uint8_t* in, long& i, long inEnd, char16_t* out, long& o, long outEnd,
+                      int level);
 #endif
 
 // The fast form's inner loop: stretch by stretch, takes ASCII (a block at a time where it can)
@@ -356,7 +359,7 @@ inline void decodeUtf8Common(const uint8_t* in, long& inPos, long inEnd, char16_
     long i = inPos;
     long o = outPos;
 #ifdef QNCL_UTF8_DECODE_BLOCKS
-    decodeUtf8Blocks(in, i, inEnd, out, o, outEnd);
+    decodeUtf8Blocks(in, i, inEnd, out, o, outEnd, simdLevel());
 #endif
     for (;;) {
         // A sequence writes no more units than it has bytes, so below limit every sequence is
