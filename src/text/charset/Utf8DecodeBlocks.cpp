@@ -343,7 +343,7 @@ struct ChunkMode {
             narrower = 0;
         }
         narrower = widest < mode ? narrower + 1 : 0;
-        if (narrower > 16) {
+        if (narrower >= 16) {
             mode = widest;
             narrower = 0;
         }
