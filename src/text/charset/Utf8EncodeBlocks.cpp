@@ -18,20 +18,23 @@
 //   the first two of its pair's four bytes and the low one's the last two. A pair may straddle
 //   two steps (the high surrogate last, its low one first in the next block): the next step
 //   takes the high one from the previous block.
-// With AVX2, blocks of sixteen units go in one step as long as 32 units of the stretch are
-// left: packed when all ASCII but not followed by another such block, as two-byte lanes when all
-// below U+0800, else as 32-bit lanes whose bytes end at the third: an ASCII unit keeps only
-// that byte, a two-byte unit the last two, a three-byte unit all three. A pair's high surrogate
-// takes the first three of the four bytes (its lane reads the unit after the block, so a pair
-// may straddle two steps) and its low one the last, in its lane's third byte. Fewer operations
-// than the eight-unit lanes, where the low surrogate needs bits of the unit before it; a pair
-// left straddling when the wide steps stop goes again whole after them.
 // A block holding a surrogate that is not half of a pair (a lone low one, a high one not
 // followed by a low one) goes unit by unit through the same scalar step as encodeUtf8Common,
 // which stops before such a surrogate for the simple loop; a pair straddling the step before
-// goes again whole then. Shorter windows near the end of a stretch go unit by unit too. A step
-// stores whole sixteen byte vectors: the bytes past the units it took are scratch the next step
-// (or the caller's next write) overwrites; nothing is stored at or past outEnd.
+// goes again whole then. Shorter windows near the end of a stretch go unit by unit too.
+//
+// With AVX2 (encodeWideRun), blocks of sixteen units go in one step as long as 32 units of the
+// stretch are left: packed when all ASCII (to the end of the run, without leaving the loop), as
+// two-byte lanes when all below U+0800, else as 32-bit lanes whose bytes end at the lane's
+// third byte: an ASCII unit keeps only that byte, a two-byte unit the last two, a three-byte
+// unit all three. A pair's high surrogate keeps the first three of the pair's four bytes (its
+// lane reads the unit after it, also across blocks, so a pair may straddle two steps) and its
+// low one the last, its third byte. That takes fewer operations than the eight-unit lanes,
+// where a low surrogate's lane needs bits of the unit before it. A pair left straddling when the
+// wide steps stop goes again whole after them.
+//
+// A step stores whole sixteen byte vectors: the bytes past the units it took are scratch the
+// next step (or the caller's next write) overwrites; nothing is stored at or past outEnd.
 #include "UtfKernels.h"
 
 #ifdef QNCL_UTF_ENCODE_BLOCKS
@@ -258,49 +261,11 @@ struct WideConstants {
     }
 };
 
-// Picks the bytes from byte n of a vector on, the rest zero: load(SHIFT + n), n up to sixteen.
-constexpr uint8_t SHIFT[32] = {0,    1,    2,    3,    4,    5,    6,    7,    8,    9,    10,
-                               11,   12,   13,   14,   15,   0x80, 0x80, 0x80, 0x80, 0x80, 0x80,
-                               0x80, 0x80, 0x80, 0x80, 0x80, 0x80, 0x80, 0x80, 0x80, 0x80};
-
-// Stores the bytes of eight two-byte lanes (index: the shuffle's, one bit for each lane that is
-// not ASCII) at out[o] and says where they end. The lane at bit "above" (none when 0) holds a
-// unit of three bytes (from[lane]) as if it took two: the bytes after it move up one, and its
-// own three are written over. Writes up to 33 bytes from out[o].
-QNCL_SSE41 inline long storeTwoByteHalf(__m128i bytes, uint32_t index, uint32_t above,
-                                        const char16_t* from, uint8_t* out, long o) {
-    store(out + o, bytes);
-    const long length = SHUFFLES.twoByteLength[index];
-    if (above == 0)
-        return o + length;
-    // Its bytes end at byte ends: one or two for each lane up to it (twoByteLength counts one
-    // for each lane after it too).
-    const int lane = __builtin_ctz(above);
-    const long ends = SHUFFLES.twoByteLength[index & (2 * above - 1)] - (7 - lane);
-    store(out + o + ends + 1, _mm_shuffle_epi8(bytes, load(SHIFT + ends)));
-    writeThree(from[lane], out + o + ends - 2);
-    return o + length + 1;
-}
-
-// Sixteen units as two-byte lanes (each of the unit's one or two bytes if it were below U+0800),
-// squeezed per half by the shuffles of index0 and index1 (their lanes not ASCII).
-QNCL_AVX2 inline __m256i twoByteLanes(__m256i units, __m256i ascii, uint32_t index0,
-                                      uint32_t index1, const WideConstants& c) {
-    const __m256i two =
-        _mm256_or_si256(_mm256_or_si256(_mm256_srli_epi16(units, 6),
-                                        _mm256_slli_epi16(_mm256_and_si256(units, c.bits6), 8)),
-                        c.twoBytes);
-    return _mm256_shuffle_epi8(
-        _mm256_blendv_epi8(two, units, ascii),
-        _mm256_inserti128_si256(_mm256_castsi128_si256(load(SHUFFLES.twoByte[index0])),
-                                load(SHUFFLES.twoByte[index1]), 1));
-}
-
 // Sixteen units a step, any mix, from in[i] into out[o] while at least 32 units of the stretch
-// are left (see the top of the file). Stops before two blocks all ASCII or a block with a
-// surrogate that is not half of a pair (or a low one first, its high one taken by an eight-unit
-// step), for the eight-unit steps. Positions
-// come and go by value: a reference would put them in memory.
+// are left (see the top of the file). Stops before a block with a surrogate that is not half of
+// a pair, or one whose first unit is a low surrogate after a high one an eight-unit step took,
+// for the eight-unit steps. Positions come and go by value: a reference would put them in
+// memory.
 QNCL_AVX2 __attribute__((noinline)) Positions encodeWideRun(const char16_t* in, long i, long end,
                                                             uint8_t* out, long o) {
     const __m256i zero = _mm256_setzero_si256();
@@ -312,51 +277,45 @@ QNCL_AVX2 __attribute__((noinline)) Positions encodeWideRun(const char16_t* in, 
         const __m256i units = _mm256_loadu_si256(reinterpret_cast<const __m256i*>(in + i));
         const __m256i below = _mm256_cmpeq_epi16(_mm256_and_si256(units, c.notBelow), zero);
         const __m256i ascii = _mm256_cmpeq_epi16(_mm256_and_si256(units, c.nonAscii), zero);
-        // Per half of the register: eight bits of ascii, then eight of below.
-        const uint32_t classBits =
-            static_cast<uint32_t>(_mm256_movemask_epi8(_mm256_packs_epi16(ascii, below)));
-        const uint32_t twoIndex0 = ~classBits & 0xFFu;
-        const uint32_t twoIndex1 = ~classBits >> 16 & 0xFFu;
-        if ((classBits & 0xFF00FF00u) == 0xFF00FF00u) {
+        if (_mm256_movemask_epi8(below) == -1) {
             // All below U+0800: one or two bytes a lane, as in encodeTwoByteLanes, eight lanes
-            // to each half of the register. A block all ASCII is packed here, the short runs
-            // between the letters of most text never leaving the loop; one followed by another
-            // ends the run, for the ASCII loop.
-            if ((twoIndex0 | twoIndex1) == 0) {
-                const __m256i next =
-                    _mm256_loadu_si256(reinterpret_cast<const __m256i*>(in + i + 16));
-                if (_mm256_testz_si256(next, c.nonAscii))
-                    break;
-                store(out + o, _mm_packus_epi16(_mm256_castsi256_si128(units),
-                                                _mm256_extracti128_si256(units, 1)));
-                o += 16;
-                i += 16;
+            // to each half of the register. ASCII blocks are packed here, sixteen units at a
+            // time to the end of their run: leaving for the ASCII loop and coming back would
+            // cost more than the packing where runs are a few blocks long.
+            const uint32_t asciiBits =
+                static_cast<uint32_t>(_mm256_movemask_epi8(_mm256_packs_epi16(ascii, ascii)));
+            if (asciiBits == 0xFFFFFFFFu) {
+                __m256i block = units;
+                do {
+                    store(out + o, _mm_packus_epi16(_mm256_castsi256_si128(block),
+                                                    _mm256_extracti128_si256(block, 1)));
+                    o += 16;
+                    i += 16;
+                    if (end - i < 32)
+                        break;
+                    block = _mm256_loadu_si256(reinterpret_cast<const __m256i*>(in + i));
+                } while (_mm256_testz_si256(block, c.nonAscii));
                 continue;
             }
-            const __m256i bytes = twoByteLanes(units, ascii, twoIndex0, twoIndex1, c);
+            const unsigned index0 = ~asciiBits & 0xFFu;
+            const unsigned index1 = (~asciiBits >> 16) & 0xFFu;
+            const __m256i two = _mm256_or_si256(
+                _mm256_or_si256(_mm256_srli_epi16(units, 6),
+                                _mm256_slli_epi16(_mm256_and_si256(units, c.bits6), 8)),
+                c.twoBytes);
+            const __m256i bytes = _mm256_shuffle_epi8(
+                _mm256_blendv_epi8(two, units, ascii),
+                _mm256_inserti128_si256(_mm256_castsi128_si256(load(SHUFFLES.twoByte[index0])),
+                                        load(SHUFFLES.twoByte[index1]), 1));
             store(out + o, _mm256_castsi256_si128(bytes));
-            o += SHUFFLES.twoByteLength[twoIndex0];
+            o += SHUFFLES.twoByteLength[index0];
             store(out + o, _mm256_extracti128_si256(bytes, 1));
-            o += SHUFFLES.twoByteLength[twoIndex1];
+            o += SHUFFLES.twoByteLength[index1];
             i += 16;
             continue;
         }
         const __m256i surrogate =
             _mm256_cmpeq_epi16(_mm256_and_si256(units, c.notBelow), c.highTag);
-        const uint32_t above0 = ~classBits >> 8 & 0xFFu;
-        const uint32_t above1 = ~classBits >> 24;
-        if (((above0 & (above0 - 1)) | (above1 & (above1 - 1))) == 0 &&
-            _mm256_testz_si256(surrogate, surrogate)) {
-            // Below U+0800 but for at most one unit in each half, not a surrogate (Western text
-            // with its curly quotes and euro signs): the same, and storeTwoByteHalf makes room
-            // for the third byte of that unit.
-            const __m256i bytes = twoByteLanes(units, ascii, twoIndex0, twoIndex1, c);
-            o = storeTwoByteHalf(_mm256_castsi256_si128(bytes), twoIndex0, above0, in + i, out, o);
-            o = storeTwoByteHalf(_mm256_extracti128_si256(bytes, 1), twoIndex1, above1, in + i + 8,
-                                 out, o);
-            i += 16;
-            continue;
-        }
         const __m256i two = _mm256_andnot_si256(ascii, below);
         // Each lane's bytes end at its third: b0 and b1 in first, b2 in trail (see the top of
         // the file). Short lanes keep one or two bytes.
