@@ -1,6 +1,7 @@
 // The UTF converters against ICU (u_strFromUTF8, u_strToUTF8, ucnv), glibc's iconv and, for
 // ASCII, a plain widening loop (the speed of memory itself), on the same generated texts: ASCII,
-// Latin-1, Russian, Greek, Chinese and emoji, each about 256 KiB of UTF-8.
+// Latin-1, Russian, Greek, Chinese, emoji and Western (code page 1252) text, each about 256 KiB
+// of UTF-8.
 #include "qn/text/charset/BTCUTF16.h"
 #include "qn/text/charset/BTCUTF32.h"
 #include "qn/text/charset/BTCUTF8.h"
@@ -40,6 +41,14 @@ const char16_t* const GREEK_WORDS[] = {u"Ξεσκεπάζω",  u"την",      u
 const char16_t* const CHINESE_WORDS[] = {u"我能吞下玻璃而不伤身体。", u"东京都", u"中文文本",
                                          u"字符集转换，", u"性能测试"};
 const char16_t* const EMOJI_WORDS[] = {u"😀😃😄", u"🚀", u"ok", u"👍🏽", u"🎉🎊", u"❤️", u"🌍."};
+// Western text as Windows code page 1252 holds it: mostly ASCII and Latin-1, with the odd curly
+// quote, dash or euro sign (three bytes in UTF-8).
+const char16_t* const WESTERN_WORDS[] = {
+    u"“Crème",  u"brûlée", u"for",    u"two,”",   u"said",       u"Zoë",    u"at",
+    u"the",     u"café",   u"in",     u"Zürich;", u"the",        u"garçon", u"answered",
+    u"‘Bien",   u"sûr’",   u"and",    u"wrote",   u"€14.50",     u"on",     u"the",
+    u"bill",    u"—",      u"tip",    u"not",     u"included.",  u"Señor",  u"Muñoz",
+    u"ordered", u"a",      u"Kölsch", u"and",     u"smørrebrød", u"7:45…",  u"Œuvre™."};
 
 template <size_t N> std::u16string makeText(const char16_t* const (&words)[N]) {
     std::u16string text;
@@ -85,7 +94,8 @@ template <size_t N> Corpus makeCorpus(const char16_t* const (&words)[N]) {
 const Corpus& corpus(int which) {
     static const Corpus corpora[] = {makeCorpus(ASCII_WORDS),   makeCorpus(LATIN1_WORDS),
                                      makeCorpus(RUSSIAN_WORDS), makeCorpus(GREEK_WORDS),
-                                     makeCorpus(CHINESE_WORDS), makeCorpus(EMOJI_WORDS)};
+                                     makeCorpus(CHINESE_WORDS), makeCorpus(EMOJI_WORDS),
+                                     makeCorpus(WESTERN_WORDS)};
     return corpora[which];
 }
 
@@ -214,10 +224,10 @@ void runIconv(benchmark::State& state, const char* to, const char* from, const s
 }
 #endif
 
-const char* const NAMES[] = {"Ascii", "Latin1", "Russian", "Greek", "Chinese", "Emoji"};
+const char* const NAMES[] = {"Ascii", "Latin1", "Russian", "Greek", "Chinese", "Emoji", "Western"};
 
 void registerAll() {
-    for (int which = 0; which < 6; ++which) {
+    for (int which = 0; which < 7; ++which) {
         const std::string name = NAMES[which];
         const Corpus& c = corpus(which);
         const size_t units = c.units.size();

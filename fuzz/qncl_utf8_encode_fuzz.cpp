@@ -1,11 +1,11 @@
 // The UTF-8 encoder's fast forms against its simple loop, on text built for the block paths:
 // runs of ASCII, two- and three-byte units and pairs, with lone surrogates where the input asks
-// for them. The first byte is unused but for the length cap, the next four seed the splits;
-// each following pair of bytes adds a unit (or a run, or a pair). Checked: the AVX2 and the
-// SSE4.1 blocks (where the processor has them), the SSE2 loop and the simple loop end alike
-// (output, positions, exception, pending surrogate) in one call and under the same random splits of
-// input and output (windows large enough for blocks, and tiny ones), and the converter in qncl6
-// gives the one-call result.
+// for them (or, with sparse faults, rarely). The first byte is unused but for the length cap and
+// the sparse faults, the next four seed the splits; each following pair of bytes adds a unit (or
+// a run, or a pair). Checked: the AVX2 and the SSE4.1 blocks (where the processor has them), the
+// SSE2 loop and the simple loop end alike (output, positions, exception, pending surrogate) in
+// one call and under the same random splits of input and output (windows large enough for
+// blocks, and tiny ones), and the converter in qncl6 gives the one-call result.
 #include "qn/text/charset/CTBUTF8.h"
 
 #include "ConverterFuzz.h"
@@ -20,7 +20,7 @@ using namespace fuzzsupport;
 
 namespace {
 
-std::vector<char16_t> makeText(const uint8_t* data, size_t size, size_t cap) {
+std::vector<char16_t> makeText(const uint8_t* data, size_t size, size_t cap, bool sparse) {
     std::vector<char16_t> units;
     for (size_t k = 0; k + 1 < size && units.size() < cap; k += 2) {
         const uint32_t payload = ((data[k] & 0x1Fu) << 8) | data[k + 1];
@@ -47,6 +47,13 @@ std::vector<char16_t> makeText(const uint8_t* data, size_t size, size_t cap) {
             units.push_back(static_cast<char16_t>(0xDC00 + ((payload * 13) & 0x3FF)));
             break;
         default:
+            // With sparse faults, most of these are pairs too: long well-formed runs of the
+            // wide steps with the odd lone surrogate.
+            if (sparse && (payload & 7) != 0) {
+                units.push_back(static_cast<char16_t>(0xD800 + (payload >> 3)));
+                units.push_back(static_cast<char16_t>(0xDC00 + (payload & 0x3FF)));
+                break;
+            }
             units.push_back(static_cast<char16_t>(0xD800 + payload % 0x800));
             break;
         }
@@ -71,7 +78,8 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
         return 0;
     uint32_t seed;
     std::memcpy(&seed, data + 1, 4);
-    const std::vector<char16_t> units = makeText(data + 5, size - 5, data[0] & 1 ? 4096 : 256);
+    const std::vector<char16_t> units =
+        makeText(data + 5, size - 5, data[0] & 1 ? 4096 : 256, (data[0] & 2) != 0);
     const long length = static_cast<long>(units.size());
     const long capacity = 3 * length + 8;
     auto kernelRun = [&](Random* random, long maxRoom, auto encoder) {

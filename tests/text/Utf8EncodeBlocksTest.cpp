@@ -88,12 +88,15 @@ TEST(Utf8EncodeBlocks, FaultsAndFullOutputAtEveryOffset) {
         u"\u90FD\u4E2D\u6587\u6587\u672C\uFF0C\u6027\u80FD",
         u"\U0001F600\U0001F603\U0001F604 \U0001F680 ok \U0001F44D\U0001F3FD \u2764\uFE0F "
         u"\U0001F30D. \U0001F389\U0001F38A",
-        u"\u041F\u0440\u0438\u0432\u0435\u0442, \u043C\u0438\u0440! abcdefghijklmnopqrstuvwxyz"};
+        u"\u041F\u0440\u0438\u0432\u0435\u0442, \u043C\u0438\u0440! abcdefghijklmnopqrstuvwxyz"
+        u"ABCDEFGHIJKLMNOPQRSTUVWXYZ \u201CCr\u00E8me\u201D \u20AC14.50 \u2014 ok"};
     const Units faults[] = {Units(1, char16_t(0xDC00)), Units(1, char16_t(0xDFFF)),
                             u"\xD83D"
                             u"x",
                             u"\xDBFF\xD800\xDC00", u"\xD800\x4E2D"};
-    for (const Units& background : backgrounds) {
+    for (const Units& once : backgrounds) {
+        // Three times over: the sixteen-unit steps need 32 units ahead, and see every lane.
+        const Units background = once + once + once;
         for (size_t at = 0; at <= background.size(); ++at) {
             for (const Units& fault : faults) {
                 Units text = background;

@@ -18,16 +18,23 @@
 //   the first two of its pair's four bytes and the low one's the last two. A pair may straddle
 //   two steps (the high surrogate last, its low one first in the next block): the next step
 //   takes the high one from the previous block.
-// With AVX2, blocks of sixteen units go as the last three kinds in one step (the lanes are the
-// same; a high surrogate last in the block waits for the next step, so no pair straddles two),
-// or packed when all ASCII but not followed by another such block, as long as 32 units of the
-// stretch are left.
 // A block holding a surrogate that is not half of a pair (a lone low one, a high one not
 // followed by a low one) goes unit by unit through the same scalar step as encodeUtf8Common,
 // which stops before such a surrogate for the simple loop; a pair straddling the step before
-// goes again whole then. Shorter windows near the end of a stretch go unit by unit too. A step
-// stores whole sixteen byte vectors: the bytes past the units it took are scratch the next step
-// (or the caller's next write) overwrites; nothing is stored at or past outEnd.
+// goes again whole then. Shorter windows near the end of a stretch go unit by unit too.
+//
+// With AVX2 (encodeWideRun), blocks of sixteen units go in one step as long as 32 units of the
+// stretch are left: packed when all ASCII (to the end of the run, without leaving the loop), as
+// two-byte lanes when all below U+0800, else as 32-bit lanes whose bytes end at the lane's
+// third byte: an ASCII unit keeps only that byte, a two-byte unit the last two, a three-byte
+// unit all three. A pair's high surrogate keeps the first three of the pair's four bytes (its
+// lane reads the unit after it, also across blocks, so a pair may straddle two steps) and its
+// low one the last, its third byte. That takes fewer operations than the eight-unit lanes,
+// where a low surrogate's lane needs bits of the unit before it. A pair left straddling when the
+// wide steps stop goes again whole after them.
+//
+// A step stores whole sixteen byte vectors: the bytes past the units it took are scratch the
+// next step (or the caller's next write) overwrites; nothing is stored at or past outEnd.
 #include "UtfKernels.h"
 
 #ifdef QNCL_UTF_ENCODE_BLOCKS
@@ -77,6 +84,29 @@ struct EncodeShuffles {
 };
 
 constexpr EncodeShuffles SHUFFLES{};
+
+// The shuffles of the wide steps: four 32-bit lanes whose bytes end at the third, lane k keeping
+// 1 + bit k of m bytes when bit (k + 4) is set, else three (both bits set is not used).
+struct SuffixShuffles {
+    alignas(16) uint8_t shuffle[256][16];
+    uint8_t length[256];
+
+    constexpr SuffixShuffles() : shuffle(), length() {
+        for (int m = 0; m < 256; ++m) {
+            int n = 0;
+            for (int k = 0; k < 4; ++k) {
+                const int kept = (m >> (k + 4)) & 1 ? 1 + ((m >> k) & 1) : 3;
+                for (int b = 3 - kept; b < 3; ++b)
+                    shuffle[m][n++] = static_cast<uint8_t>(4 * k + b);
+            }
+            length[m] = static_cast<uint8_t>(n);
+            for (; n < 16; ++n)
+                shuffle[m][n] = 0x80;
+        }
+    }
+};
+
+constexpr SuffixShuffles SUFFIXES{};
 
 QNCL_SSE41 inline __m128i load(const void* from) {
     return _mm_loadu_si128(static_cast<const __m128i*>(from));
@@ -195,42 +225,84 @@ QNCL_AVX2 inline __m256i set(int value) {
     return _mm256_set1_epi16(static_cast<short>(value));
 }
 
+QNCL_AVX2 inline void hide(__m256i& value) {
+    __asm__("" : "+x"(value));
+}
+
+// The constants of the wide steps, made once before the loop and hidden from the compiler,
+// which would otherwise build each anew in the loop from a general register (three
+// instructions) where a register or a load from the stack takes none or one.
+struct WideConstants {
+    __m256i nonAscii, notBelow, bits6, byte80, highTag, lowTag, surrogateMask, plane, fourLead,
+        twoLead, mid, threeLead, twoBytes, lowBits, quadOrder;
+
+    QNCL_AVX2 WideConstants()
+        : nonAscii(set(0xFF80)), notBelow(set(0xF800)), bits6(set(0x3F)), byte80(set(0x80)),
+          highTag(set(0xD800)), lowTag(set(0xDC00)), surrogateMask(set(0xFC00)), plane(set(0x40)),
+          fourLead(set(0x18)), twoLead(set(0x4000)), mid(set(0x3F00)), threeLead(set(0x80E0)),
+          twoBytes(set(0x80C0)), lowBits(set(0xF)),
+          quadOrder(_mm256_setr_epi8(0, 1, 2, 3, 8, 9, 10, 11, 4, 5, 6, 7, 12, 13, 14, 15, 0, 1, 2,
+                                     3, 8, 9, 10, 11, 4, 5, 6, 7, 12, 13, 14, 15)) {
+        hide(nonAscii);
+        hide(notBelow);
+        hide(bits6);
+        hide(byte80);
+        hide(highTag);
+        hide(lowTag);
+        hide(surrogateMask);
+        hide(plane);
+        hide(fourLead);
+        hide(twoLead);
+        hide(mid);
+        hide(threeLead);
+        hide(twoBytes);
+        hide(lowBits);
+        hide(quadOrder);
+    }
+};
+
 // Sixteen units a step, any mix, from in[i] into out[o] while at least 32 units of the stretch
-// are left: the same lanes as the eight-unit steps (a high surrogate last in the block is left
-// for the next step, so that no pair straddles two). Stops before two blocks all ASCII or a
-// block with a surrogate that is not half of a pair, for the eight-unit steps. Positions
-// come and go by value: a reference would put them in memory.
+// are left (see the top of the file). Stops before a block with a surrogate that is not half of
+// a pair, or one whose first unit is a low surrogate after a high one an eight-unit step took,
+// for the eight-unit steps. Positions come and go by value: a reference would put them in
+// memory.
 QNCL_AVX2 __attribute__((noinline)) Positions encodeWideRun(const char16_t* in, long i, long end,
                                                             uint8_t* out, long o) {
     const __m256i zero = _mm256_setzero_si256();
+    const WideConstants c;
+    // 1 while the last step took a high surrogate as its last unit: the next one begins with
+    // its low one.
+    long carry = 0;
     while (end - i >= 32) {
         const __m256i units = _mm256_loadu_si256(reinterpret_cast<const __m256i*>(in + i));
-        const __m256i below = _mm256_cmpeq_epi16(_mm256_and_si256(units, set(0xF800)), zero);
-        const __m256i ascii = _mm256_cmpeq_epi16(_mm256_and_si256(units, set(0xFF80)), zero);
+        const __m256i below = _mm256_cmpeq_epi16(_mm256_and_si256(units, c.notBelow), zero);
+        const __m256i ascii = _mm256_cmpeq_epi16(_mm256_and_si256(units, c.nonAscii), zero);
         if (_mm256_movemask_epi8(below) == -1) {
             // All below U+0800: one or two bytes a lane, as in encodeTwoByteLanes, eight lanes
-            // to each half of the register. A block all ASCII is packed here, the short runs
-            // between the letters of most text never leaving the loop; one followed by another
-            // ends the run, for the ASCII loop.
+            // to each half of the register. ASCII blocks are packed here, sixteen units at a
+            // time to the end of their run: leaving for the ASCII loop and coming back would
+            // cost more than the packing where runs are a few blocks long.
             const uint32_t asciiBits =
                 static_cast<uint32_t>(_mm256_movemask_epi8(_mm256_packs_epi16(ascii, ascii)));
             if (asciiBits == 0xFFFFFFFFu) {
-                const __m256i next =
-                    _mm256_loadu_si256(reinterpret_cast<const __m256i*>(in + i + 16));
-                if (_mm256_testz_si256(next, set(0xFF80)))
-                    break;
-                store(out + o, _mm_packus_epi16(_mm256_castsi256_si128(units),
-                                                _mm256_extracti128_si256(units, 1)));
-                o += 16;
-                i += 16;
+                __m256i block = units;
+                do {
+                    store(out + o, _mm_packus_epi16(_mm256_castsi256_si128(block),
+                                                    _mm256_extracti128_si256(block, 1)));
+                    o += 16;
+                    i += 16;
+                    if (end - i < 32)
+                        break;
+                    block = _mm256_loadu_si256(reinterpret_cast<const __m256i*>(in + i));
+                } while (_mm256_testz_si256(block, c.nonAscii));
                 continue;
             }
             const unsigned index0 = ~asciiBits & 0xFFu;
             const unsigned index1 = (~asciiBits >> 16) & 0xFFu;
             const __m256i two = _mm256_or_si256(
                 _mm256_or_si256(_mm256_srli_epi16(units, 6),
-                                _mm256_slli_epi16(_mm256_and_si256(units, set(0x3F)), 8)),
-                set(0x80C0));
+                                _mm256_slli_epi16(_mm256_and_si256(units, c.bits6), 8)),
+                c.twoBytes);
             const __m256i bytes = _mm256_shuffle_epi8(
                 _mm256_blendv_epi8(two, units, ascii),
                 _mm256_inserti128_si256(_mm256_castsi128_si256(load(SHUFFLES.twoByte[index0])),
@@ -243,77 +315,82 @@ QNCL_AVX2 __attribute__((noinline)) Positions encodeWideRun(const char16_t* in, 
             continue;
         }
         const __m256i surrogate =
-            _mm256_cmpeq_epi16(_mm256_and_si256(units, set(0xF800)), set(0xD800));
-        const __m256i trail = _mm256_or_si256(_mm256_and_si256(units, set(0x3F)), set(0x80));
-        const __m256i mid =
-            _mm256_or_si256(_mm256_and_si256(_mm256_srli_epi16(units, 6), set(0x3F)), set(0x80));
-        const __m256i lead2 = _mm256_or_si256(_mm256_srli_epi16(units, 6), set(0xC0));
-        const __m256i lead3 = _mm256_or_si256(_mm256_srli_epi16(units, 12), set(0xE0));
-        __m256i first =
-            _mm256_blendv_epi8(_mm256_or_si256(lead3, _mm256_slli_epi16(mid, 8)),
-                               _mm256_or_si256(lead2, _mm256_slli_epi16(trail, 8)), below);
-        first = _mm256_blendv_epi8(first, units, ascii);
-        __m256i two = _mm256_andnot_si256(ascii, below);
-        __m256i three = _mm256_xor_si256(below, _mm256_set1_epi32(-1));
-        long straddling = 0;
-        if (!_mm256_testz_si256(surrogate, surrogate)) {
+            _mm256_cmpeq_epi16(_mm256_and_si256(units, c.notBelow), c.highTag);
+        const __m256i two = _mm256_andnot_si256(ascii, below);
+        // Each lane's bytes end at its third: b0 and b1 in first, b2 in trail (see the top of
+        // the file). Short lanes keep one or two bytes.
+        __m256i lead = units;
+        __m256i fix = _mm256_and_si256(two, c.twoLead);
+        __m256i short_ = below;
+        __m256i pairTrail = zero;
+        if (_mm256_testz_si256(surrogate, surrogate)) {
+            carry = 0;
+        } else {
             const __m256i high =
-                _mm256_cmpeq_epi16(_mm256_and_si256(units, set(0xFC00)), set(0xD800));
+                _mm256_cmpeq_epi16(_mm256_and_si256(units, c.surrogateMask), c.highTag);
             const __m256i low = _mm256_andnot_si256(high, surrogate);
-            // Each lane's value moved one lane up across the halves, nothing into the first.
-            const __m256i highBefore =
-                _mm256_alignr_epi8(high, _mm256_permute2x128_si256(high, high, 0x08), 14);
-            // Every low surrogate right after a high one (then every high one but the last is
-            // right before a low one; the last is left for the next step).
-            const __m256i mismatch = _mm256_xor_si256(low, highBefore);
-            if (!_mm256_testz_si256(mismatch, mismatch))
+            const __m256i next = _mm256_loadu_si256(reinterpret_cast<const __m256i*>(in + i + 1));
+            const __m256i afterLow =
+                _mm256_cmpeq_epi16(_mm256_and_si256(next, c.surrogateMask), c.lowTag);
+            // Every high surrogate right before a low one, every low one right after a high
+            // one (the first after the last step's).
+            const uint32_t highBits = static_cast<uint32_t>(_mm256_movemask_epi8(high));
+            const uint32_t lowBits = static_cast<uint32_t>(_mm256_movemask_epi8(low));
+            if (highBits != static_cast<uint32_t>(_mm256_movemask_epi8(afterLow)) ||
+                lowBits != ((highBits << 2) | (carry ? 3u : 0u)))
                 break;
-            const __m256i plus = _mm256_add_epi16(units, set(0x40));
-            const __m256i highBytes = _mm256_or_si256(
-                _mm256_or_si256(_mm256_and_si256(_mm256_srli_epi16(plus, 8), set(7)),
-                                _mm256_and_si256(_mm256_slli_epi16(plus, 6), set(0x3F00))),
-                set(0x80F0));
-            const __m256i prev =
-                _mm256_alignr_epi8(units, _mm256_permute2x128_si256(units, units, 0x08), 14);
-            const __m256i lowBytes = _mm256_or_si256(
-                _mm256_or_si256(_mm256_slli_epi16(_mm256_and_si256(prev, set(3)), 4),
-                                _mm256_and_si256(_mm256_srli_epi16(units, 6), set(0xF))),
-                _mm256_or_si256(_mm256_slli_epi16(trail, 8), set(0x80)));
-            first =
-                _mm256_blendv_epi8(first, _mm256_blendv_epi8(lowBytes, highBytes, high), surrogate);
-            two = _mm256_or_si256(two, surrogate);
-            three = _mm256_andnot_si256(surrogate, three);
-            straddling = static_cast<long>(static_cast<uint32_t>(_mm256_movemask_epi8(high)) >> 31);
+            carry = highBits >> 31;
+            // A high surrogate h gets the first three of its pair's four bytes: 0xF0 | cp >> 18
+            // and 0x80 | (cp >> 12 & 0x3F) come from h + 0x40, which holds cp >> 10, moved up
+            // four bits and put through the three-byte lead (0xE8-0xEC, turned to 0xF0-0xF4
+            // below); 0x80 | (h & 3) << 4 | (l >> 6 & 0xF) is the trail byte of that, with the
+            // bits of its low one l added. The low one keeps only 0x80 | (l & 0x3F), its trail
+            // byte as a three-byte unit's.
+            lead = _mm256_blendv_epi8(units, _mm256_slli_epi16(_mm256_add_epi16(units, c.plane), 4),
+                                      high);
+            fix = _mm256_or_si256(fix, _mm256_and_si256(high, c.fourLead));
+            pairTrail =
+                _mm256_and_si256(_mm256_and_si256(_mm256_srli_epi16(next, 6), c.lowBits), high);
+            short_ = _mm256_or_si256(below, low);
         }
-        // Per half of the register: eight bits of two, then eight of three.
-        const uint32_t lengths =
-            static_cast<uint32_t>(_mm256_movemask_epi8(_mm256_packs_epi16(two, three)));
-        unsigned index[4];
-        for (int half = 0; half < 2; ++half) {
-            const uint32_t bits = lengths >> (16 * half);
-            index[2 * half] = (bits & 0xFu) | ((bits >> 4) & 0xF0u);
-            index[2 * half + 1] = ((bits >> 4) & 0xFu) | ((bits >> 8) & 0xF0u);
-        }
+        const __m256i trail = _mm256_blendv_epi8(
+            _mm256_or_si256(_mm256_or_si256(_mm256_and_si256(lead, c.bits6), c.byte80), pairTrail),
+            units, ascii);
+        // b0 = 0xE0 | lead >> 12 and b1 = 0x80 | (lead >> 6 & 0x3F), as for a three-byte unit;
+        // a two-byte unit's b1 becomes its lead 0xC0 | unit >> 6.
+        const __m256i first = _mm256_xor_si256(
+            _mm256_or_si256(_mm256_or_si256(_mm256_srli_epi16(lead, 12),
+                                            _mm256_and_si256(_mm256_slli_epi16(lead, 2), c.mid)),
+                            c.threeLead),
+            fix);
+        // The two length bits of each lane, in the order of the quads: one byte each.
+        const uint32_t index = static_cast<uint32_t>(_mm256_movemask_epi8(
+            _mm256_shuffle_epi8(_mm256_packs_epi16(two, short_), c.quadOrder)));
+        const size_t index0 = index & 0xFFu;
+        const size_t index1 = (index >> 8) & 0xFFu;
+        const size_t index2 = (index >> 16) & 0xFFu;
+        const size_t index3 = index >> 24;
         // unpacklo holds units 0-3 and 8-11, unpackhi 4-7 and 12-15.
         const __m256i lowQuads = _mm256_shuffle_epi8(
             _mm256_unpacklo_epi16(first, trail),
-            _mm256_inserti128_si256(_mm256_castsi128_si256(load(SHUFFLES.mixed[index[0]])),
-                                    load(SHUFFLES.mixed[index[2]]), 1));
+            _mm256_inserti128_si256(_mm256_castsi128_si256(load(SUFFIXES.shuffle[index0])),
+                                    load(SUFFIXES.shuffle[index2]), 1));
         const __m256i highQuads = _mm256_shuffle_epi8(
             _mm256_unpackhi_epi16(first, trail),
-            _mm256_inserti128_si256(_mm256_castsi128_si256(load(SHUFFLES.mixed[index[1]])),
-                                    load(SHUFFLES.mixed[index[3]]), 1));
+            _mm256_inserti128_si256(_mm256_castsi128_si256(load(SUFFIXES.shuffle[index1])),
+                                    load(SUFFIXES.shuffle[index3]), 1));
         store(out + o, _mm256_castsi256_si128(lowQuads));
-        o += SHUFFLES.mixedLength[index[0]];
+        o += SUFFIXES.length[index0];
         store(out + o, _mm256_castsi256_si128(highQuads));
-        o += SHUFFLES.mixedLength[index[1]];
+        o += SUFFIXES.length[index1];
         store(out + o, _mm256_extracti128_si256(lowQuads, 1));
-        o += SHUFFLES.mixedLength[index[2]];
+        o += SUFFIXES.length[index2];
         store(out + o, _mm256_extracti128_si256(highQuads, 1));
-        o += SHUFFLES.mixedLength[index[3]] - 2 * straddling;
-        i += 16 - straddling;
+        o += SUFFIXES.length[index3];
+        i += 16;
     }
-    return {i, o};
+    // A pair split between the last step and the next goes again whole after the run.
+    return {i - carry, o - 3 * carry};
 }
 #endif
 
