@@ -92,13 +92,7 @@ long BufferedReader::readLine(String& line) {
     int32_t room = 0;
     if (char16_t* const block = line.getBlockInPlace(room)) {
         bool found;
-#ifdef QNCL_IO_AVX2
-        const char16_t* const copied =
-            scan::wideCopy() ? scan::copyToLineEndWide(start, end, block, room, found)
-                             : scan::copyToLineEnd(start, end, block, room, found);
-#else
         const char16_t* const copied = scan::copyToLineEnd(start, end, block, room, found);
-#endif
         stop = copied;
         if (!found) {
             // Near the end of the buffer or of the room: the few units left one by one.

@@ -14,13 +14,6 @@
 #define QNCL_IO_SSE2 1
 #endif
 
-// The 256-bit copy of a line where the processor has AVX2, asked once; not on Windows, where
-// GCC does not align the stack for spilled 32-byte vectors.
-#if defined(__x86_64__) && defined(__GNUC__) && !defined(_WIN32)
-#include <immintrin.h>
-#define QNCL_IO_AVX2 1
-#endif
-
 namespace qn::io::scan {
 
 constexpr uint64_t ONES = 0x0001000100010001u;
@@ -119,40 +112,5 @@ inline const char16_t* copyToLineEnd(const char16_t* p, const char16_t* end, cha
 #endif
     return p;
 }
-
-#ifdef QNCL_IO_AVX2
-// copyToLineEnd, 32 units a round in two 256-bit vectors.
-__attribute__((target("avx2"), noinline)) inline const char16_t*
-copyToLineEndWide(const char16_t* p, const char16_t* end, char16_t* out, long room, bool& found) {
-    const char16_t* const last = p + std::min<long>(end - p, room);
-    const __m256i lf = _mm256_set1_epi8('\n');
-    const __m256i cr = _mm256_set1_epi8('\r');
-    for (; last - p >= 32; p += 32, out += 32) {
-        const __m256i a = _mm256_loadu_si256(reinterpret_cast<const __m256i*>(p));
-        const __m256i b = _mm256_loadu_si256(reinterpret_cast<const __m256i*>(p + 16));
-        _mm256_storeu_si256(reinterpret_cast<__m256i*>(out), a);
-        _mm256_storeu_si256(reinterpret_cast<__m256i*>(out + 16), b);
-        // Packing works within 128-bit lanes: the bytes come as a 0-7, b 0-7, a 8-15, b 8-15.
-        const __m256i bytes = _mm256_packus_epi16(a, b);
-        const __m256i hits = _mm256_or_si256(_mm256_cmpeq_epi8(bytes, lf),
-                                             _mm256_cmpeq_epi8(bytes, cr));
-        if (!_mm256_testz_si256(hits, hits)) {
-            found = true;
-            const unsigned bits = static_cast<unsigned>(
-                _mm256_movemask_epi8(_mm256_permute4x64_epi64(hits, 0xD8)));
-            return p + __builtin_ctz(bits);
-        }
-    }
-    return copyToLineEnd(p, last, out, last - p, found);
-}
-
-inline bool wideCopy() {
-    static const bool avx2 = [] {
-        __builtin_cpu_init();
-        return __builtin_cpu_supports("avx2") != 0;
-    }();
-    return avx2;
-}
-#endif
 
 } // namespace qn::io::scan
