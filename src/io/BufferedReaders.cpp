@@ -110,6 +110,10 @@ long BufferedReader::readLine(String& line) {
         line.setTo(start, static_cast<int32_t>(stop - start));
     }
     const long n = static_cast<long>(stop - start);
+    if (stop < end && *stop == u'\n') {
+        m_pos += n + 1;
+        return n;
+    }
     m_pos += n;
     // A last line may end without a terminator.
     if (stop < end || readLineRest(line, n))
