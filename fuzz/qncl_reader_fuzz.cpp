@@ -2,7 +2,8 @@
 // wrapped byte stream gives short reads of sizes the input picks, and the caller mixes read(),
 // array reads of chosen sizes and readLine. Whatever the pieces, the characters delivered are
 // those of the one-shot decoding (where a sequence cut off by the end of the input becomes one
-// U+FFFD per byte), and readLine splits them at LF, CR and CR LF. When the decoder refuses the
+// U+FFFD per byte), and readLine splits them at LF, CR and CR LF, into one reused string of which
+// some lines are kept as copies (which must not change after). When the decoder refuses the
 // input, the reader fails too, after delivering no character the one-shot decoding does not.
 //
 // Input: byte 0 = encoding, byte 1 = byte-buffer size, byte 2 = whether available() tells,
@@ -76,14 +77,15 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* input, size_t size) {
     Reference<BufferedReader> reader = new BufferedReader(
         new InputStreamReader(new fuzzsupport::ShortReads(data, dataSize, sizes, count, tells, 32),
                               encoding, byteBuffer),
-        16 + (count ? ops[0] % 16 : 0));
+        16 + (count ? ops[0] % 80 : 0));
     size_t at = 0; // the model: how far into expected the reader is
     bool threw = false;
+    String line;
+    std::vector<std::pair<String, std::u16string>> kept;
     try {
         for (size_t step = 0;; ++step) {
             const uint8_t op = count ? ops[step % count] : 0;
             if (op % 3 == 0) {
-                String line;
                 const long n = reader->readLine(line);
                 if (n < 0) {
                     check(at == expected.size());
@@ -94,6 +96,8 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* input, size_t size) {
                     ++end;
                 check(static_cast<size_t>(n) == end - at &&
                       std::equal(line.getData(), line.getData() + n, expected.data() + at));
+                if (op & 8)
+                    kept.emplace_back(line, std::u16string(line.getData(), static_cast<size_t>(n)));
                 at = end;
                 if (at < expected.size() && expected[at++] == u'\r' && at < expected.size() &&
                     expected[at] == u'\n')
@@ -122,5 +126,8 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* input, size_t size) {
         threw = true;
     }
     check(threw == refused);
+    for (const auto& [copy, text] : kept)
+        check(copy.getLength() == static_cast<int32_t>(text.size()) &&
+              std::equal(text.begin(), text.end(), copy.getData()));
     return 0;
 }

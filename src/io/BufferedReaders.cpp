@@ -84,12 +84,36 @@ long BufferedReader::readLine(String& line) {
         if (m_pos >= m_count)
             return -1;
     }
-    // Most lines end inside the buffer: one scan and one copy into the line's own block.
+    // Most lines end inside the buffer. A reused line's own block takes the units while they
+    // are searched; otherwise one scan and one copy into the line's block.
     const char16_t* const start = m_buffer.get() + m_pos;
     const char16_t* const end = m_buffer.get() + m_count;
-    const char16_t* const stop = scan::findLineEnd(start, end);
+    const char16_t* stop;
+    int32_t room = 0;
+    if (char16_t* const block = line.getBlockInPlace(room)) {
+        bool found;
+        const char16_t* const copied = scan::copyToLineEnd(start, end, block, room, found);
+        stop = copied;
+        if (!found) {
+            // Near the end of the buffer or of the room: the few units left one by one.
+            stop = scan::findLineEnd(copied, end);
+            if (stop - start < room)
+                std::memcpy(block + (copied - start), copied,
+                            static_cast<size_t>(stop - copied) * sizeof(char16_t));
+        }
+        if (stop - start < room)
+            line.setLengthInPlace(static_cast<int32_t>(stop - start));
+        else
+            line.setTo(start, static_cast<int32_t>(stop - start));
+    } else {
+        stop = scan::findLineEnd(start, end);
+        line.setTo(start, static_cast<int32_t>(stop - start));
+    }
     const long n = static_cast<long>(stop - start);
-    line.setTo(start, static_cast<int32_t>(n));
+    if (stop < end && *stop == u'\n') {
+        m_pos += n + 1;
+        return n;
+    }
     m_pos += n;
     // A last line may end without a terminator.
     if (stop < end || readLineRest(line, n))

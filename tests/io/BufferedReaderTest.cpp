@@ -45,6 +45,38 @@ TEST(BufferedReader, ReadLineLeavesEarlierLinesAndCopiesAlone) {
     EXPECT_EQ(textOf(kept[3]), u"x");
     EXPECT_EQ(line.getLength(), 0); // -1 leaves the line empty
 
+    // Lines of every length to past two rounds of the search, growing and then shrinking, into
+    // one reused string whose room is now too small, now just enough, now far too large; units
+    // whose low byte is LF or CR end nothing. Every third line is kept, so the next finds its
+    // block shared. The buffer sizes end fills at every offset of a round.
+    std::u16string all;
+    std::vector<std::u16string> expected;
+    const char16_t odd[] = {u'\u010A', u'\u0D0D', u'\uFF0A', u'\u800D', u'\u7F0A', u'z', u'\t'};
+    for (size_t i = 0; i < 160; ++i) {
+        const size_t n = i < 80 ? i : 159 - i;
+        std::u16string one;
+        for (size_t k = 0; k < n; ++k)
+            one += odd[(i + k) % 7];
+        expected.push_back(one);
+        all += one + (i % 3 == 0 ? u"\r\n" : i % 3 == 1 ? u"\n" : u"\r");
+    }
+    for (long size : {16L, 37L, 100L, 4096L}) {
+        BufferedReader in(new ScriptedReader(all), size);
+        String reused;
+        std::vector<String> shared;
+        std::vector<std::u16string> got;
+        for (long n; (n = in.readLine(reused)) >= 0;) {
+            ASSERT_EQ(n, reused.getLength());
+            EXPECT_EQ(reused.getData()[n], 0);
+            got.push_back(textOf(reused));
+            if (got.size() % 3 == 0)
+                shared.push_back(reused);
+        }
+        EXPECT_EQ(got, expected) << size;
+        for (size_t i = 0; i < shared.size(); ++i)
+            EXPECT_EQ(textOf(shared[i]), expected[3 * i + 2]) << size;
+    }
+
     // A mark set before long lines keeps them for reset: the same lines again. (The limit
     // counts the refill that finds the end too.)
     const std::u16string text = big + u"\n" + big + u"\rshort\r\n";

@@ -178,6 +178,25 @@ public:
     // Shrinks a buffer that this string holds alone to its length and terminator.
     void freeExtra() final;
 
+    // Writing in place, for code that fills one reused string again and again (a reader
+    // splitting lines), without a call per piece: the block of the writable buffer this string
+    // holds alone, outside any write lock, with its room in units (the terminating zero's
+    // included) in capacity; null, with capacity untouched, for any other buffer. Units written
+    // there replace the text's; setLengthInPlace, with a length below the capacity, then sets
+    // the text's length and its terminating zero. Any other change of the string in between
+    // makes the block invalid.
+    char16_t* getBlockInPlace(int32_t& capacity) noexcept {
+        if ((m_buffer & KIND_MASK) != BUFFER_RW || m_state != 0 || rw()->GetRefCount() != 0)
+            return nullptr;
+        capacity = rw()->m_capacity;
+        return rw()->m_data;
+    }
+    void setLengthInPlace(int32_t length) noexcept {
+        util::RWCharBuffer* buffer = rw();
+        buffer->m_length = length;
+        buffer->m_data[length] = 0;
+    }
+
     // Comparing, ordinal by unsigned unit with a shorter prefix first: -1, 0 or 1.
     int32_t compare(const String& other, bool ignoreCase = false) const;
     int32_t compare(const char16_t* text, int32_t length, bool ignoreCase = false) const;

@@ -42,7 +42,10 @@ public:
     // Reads one line into line, without its terminator, and returns its length; -1 at the end
     // of the input with nothing read. LF, CR and CR LF each end a line, also when the CR is the
     // last character of one fill and the LF the first of the next. A last line without a
-    // terminator is returned whole.
+    // terminator is returned whole. The fastest use passes the same String for every line and
+    // keeps no copy of it: a line that fits its block is written straight into the block while
+    // it is searched for, without an allocation; a string that shares its block gets one of its
+    // own, so copies kept of earlier lines never change.
     virtual long readLine(String& line);
 
     long getBufferSize() const { return m_size; }
