@@ -195,9 +195,9 @@ enum Widest { TWO = 2, THREE = 3, FOUR = 4 };
 // has the high one). Masking a lead with 0x1F keeps the payload of two- and three-byte leads
 // alike (the bit under 0x10 of 1110xxxx is its 0).
 template <Widest W> QNCL_SSE41 inline __m128i unitsOf(__m128i pairs, __m128i thirds) {
-    const __m128i two =
-        _mm_or_si128(_mm_srli_epi16(_mm_and_si128(pairs, _mm_set1_epi16(0x1F00)), 2),
-                     _mm_and_si128(pairs, _mm_set1_epi16(0x3F)));
+    // lead & 0x1F times 64 plus follower & 0x3F, in one multiply-add of the lane's two bytes.
+    const __m128i two = _mm_maddubs_epi16(_mm_and_si128(pairs, _mm_set1_epi16(0x1F3F)),
+                                          _mm_set1_epi16(0x4001));
     __m128i multi = two;
     if constexpr (W >= THREE) {
         // As signed lanes, leads 0xE0 and up are above -8193 (0xDFFF), 0xF0 and up above -4097.
@@ -413,7 +413,7 @@ struct WideConstants {
     __m256i prevHigh, prevLow, curHigh, nibble, past3, past4, twoConts, belowConts, belowLeads,
         even, c0;
     // The units.
-    __m256i low6, lead5, low10, threeLeads, fourLeads, continuations, highBase, lowBase;
+    __m256i low6, payloads, weights, low10, threeLeads, fourLeads, continuations, highBase, lowBase;
 };
 
 QNCL_AVX2_STEPS inline __m256i opaque(__m256i v) {
@@ -441,7 +441,8 @@ QNCL_AVX2_STEPS inline WideConstants wideConstants() {
             opaque(_mm256_set1_epi8(static_cast<char>(0xFE))),
             opaque(_mm256_set1_epi8(static_cast<char>(0xC0))),
             opaque(_mm256_set1_epi16(0x3F)),
-            opaque(_mm256_set1_epi16(0x1F00)),
+            opaque(_mm256_set1_epi16(0x1F3F)),
+            opaque(_mm256_set1_epi16(0x4001)),
             opaque(_mm256_set1_epi16(0x3FF)),
             // As signed lanes, leads 0xE0 and up are above -8193 (0xDFFF), 0xF0 and up above
             // -4097; continuation bytes are below -16384.
@@ -510,8 +511,7 @@ QNCL_AVX2_STEPS inline ChunkMasks fullMasksWide(const __m256i (&v)[2], const Wid
 // unitsOf over sixteen lanes.
 template <Widest W>
 QNCL_AVX2_STEPS inline __m256i unitsOfWide(__m256i pairs, __m256i thirds, const WideConstants& c) {
-    const __m256i two = _mm256_or_si256(_mm256_srli_epi16(_mm256_and_si256(pairs, c.lead5), 2),
-                                        _mm256_and_si256(pairs, c.low6));
+    const __m256i two = _mm256_maddubs_epi16(_mm256_and_si256(pairs, c.payloads), c.weights);
     __m256i multi = two;
     if constexpr (W >= THREE) {
         const __m256i three = _mm256_or_si256(_mm256_slli_epi16(two, 6), thirds);
