@@ -314,6 +314,17 @@ inline bool decodeFaultyChunk(const uint8_t* in, long& i, long end, long inEnd, 
     return true;
 }
 
+// After a chunk's steps, written up to to: the positions move on, and a chunk with a fault is
+// finished a sequence at a time. False when what follows needs the simple loop.
+QNCL_INLINE bool finishChunk(const uint8_t* in, const uint8_t* from, long& i, long inEnd,
+                             char16_t* out, long& o, long outEnd, const ChunkMasks& masks,
+                             const ChunkPlan& plan, const char16_t* to) {
+    i += plan.taken;
+    o = to - out;
+    return masks.usable == CHUNK ||
+           decodeFaultyChunk(in, i, from - in + CHUNK, inEnd, out, o, outEnd);
+}
+
 // Chunks of 64 bytes are checked, then written (planChunk, writeChunk); the next chunk starts
 // where this one's sequences end. A chunk reads up to byte 66 (its last step's third bytes) and
 // stores at most 64 units (a unit per byte at most, the last step's stores end within that);
@@ -391,10 +402,7 @@ QNCL_SSE41 void decodeBlocks(const uint8_t* in, long& inPos, long inEnd, char16_
             break;
         }
         }
-        i += plan.taken;
-        o = to - out;
-        if (masks.usable < CHUNK &&
-            !decodeFaultyChunk(in, i, from - in + CHUNK, inEnd, out, o, outEnd))
+        if (!finishChunk(in, from, i, inEnd, out, o, outEnd, masks, plan, to))
             break;
     }
     inPos = i;
@@ -594,10 +602,7 @@ QNCL_AVX2_STEPS void decodeBlocksWide(const uint8_t* in, long& inPos, long inEnd
             break;
         }
         }
-        i += plan.taken;
-        o = to - out;
-        if (masks.usable < CHUNK &&
-            !decodeFaultyChunk(in, i, from - in + CHUNK, inEnd, out, o, outEnd))
+        if (!finishChunk(in, from, i, inEnd, out, o, outEnd, masks, plan, to))
             break;
     }
     inPos = i;
