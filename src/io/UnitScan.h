@@ -76,6 +76,7 @@ inline const char16_t* findLineEnd(const char16_t* p, const char16_t* end) {
 // (room units from out) hold one. Units after the terminator may be written too, never at or
 // past out + room. Returns the terminator with found set, or, with found clear, the first unit
 // not copied yet (no terminator before it), fewer than a block from end or from the room's end.
+// Without SSE2 it copies nothing and returns p: the caller's unit-by-unit path does it all.
 inline const char16_t* copyToLineEnd(const char16_t* p, const char16_t* end, char16_t* out,
                                      long room, bool& found) {
     found = false;

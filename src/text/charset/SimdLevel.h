@@ -9,9 +9,21 @@
 #ifndef _WIN32
 #define QNCL_SIMD_WIDE 1
 #define QNCL_AVX2 __attribute__((target("avx2")))
+#include <immintrin.h>
 #endif
 
 namespace qn::text::charset {
+
+#ifdef QNCL_SIMD_WIDE
+// A vector constant hidden from the compiler. Made once before a loop and hidden, it stays in a
+// register or, spilled, becomes a memory operand; otherwise GCC builds it again inside the loop
+// from a general register (three instructions) for want of registers. Always inlined, so that
+// steps compiled with other tuning can use it.
+QNCL_AVX2 inline __attribute__((always_inline)) __m256i hidden(__m256i value) {
+    __asm__("" : "+x"(value));
+    return value;
+}
+#endif
 
 // 0: no block steps; 1: SSSE3, SSE4.1 and POPCNT; 2: AVX2 as well (only where QNCL_SIMD_WIDE).
 inline int simdLevel() {

@@ -92,8 +92,8 @@ constexpr FaultTables FAULTS = {
      TWO_CONTS, TWO_CONTS, TWO_CONTS, TOO_SHORT | OVERLONG, TOO_SHORT, TOO_SHORT | SURROGATE,
      TOO_SHORT | FOUR_ANY},
     {ANY | OVERLONG | FOUR_80, ANY | OVERLONG, ANY, ANY, ANY | FOUR_90, HIGH_LEADS, HIGH_LEADS,
-     HIGH_LEADS, HIGH_LEADS, HIGH_LEADS, HIGH_LEADS, HIGH_LEADS, HIGH_LEADS,
-     HIGH_LEADS | SURROGATE, HIGH_LEADS, HIGH_LEADS},
+     HIGH_LEADS, HIGH_LEADS, HIGH_LEADS, HIGH_LEADS, HIGH_LEADS, HIGH_LEADS, HIGH_LEADS | SURROGATE,
+     HIGH_LEADS, HIGH_LEADS},
     {TOO_SHORT, TOO_SHORT, TOO_SHORT, TOO_SHORT, TOO_SHORT, TOO_SHORT, TOO_SHORT, TOO_SHORT,
      CONT_NEXT | FOUR_80, CONT_NEXT | FOUR_90, CONT_NEXT | SURROGATE | FOUR_90,
      CONT_NEXT | SURROGATE | FOUR_B0, TOO_SHORT, TOO_SHORT, TOO_SHORT, TOO_SHORT},
@@ -121,9 +121,8 @@ template <bool Four> QNCL_SSE41 inline __m128i blockFaults(__m128i bytes, __m128
     __m128i mustContinue =
         _mm_subs_epu8(_mm_alignr_epi8(bytes, before, 14), _mm_set1_epi8(0xE0 - 0x80));
     if constexpr (Four)
-        mustContinue = _mm_or_si128(
-            mustContinue,
-            _mm_subs_epu8(_mm_alignr_epi8(bytes, before, 13), _mm_set1_epi8(0xF0 - 0x80)));
+        mustContinue = _mm_or_si128(mustContinue, _mm_subs_epu8(_mm_alignr_epi8(bytes, before, 13),
+                                                                _mm_set1_epi8(0xF0 - 0x80)));
     return _mm_xor_si128(pairs, _mm_and_si128(mustContinue, _mm_set1_epi8(TWO_CONTS)));
 }
 
@@ -196,8 +195,8 @@ enum Widest { TWO = 2, THREE = 3, FOUR = 4 };
 // alike (the bit under 0x10 of 1110xxxx is its 0).
 template <Widest W> QNCL_SSE41 inline __m128i unitsOf(__m128i pairs, __m128i thirds) {
     // lead & 0x1F times 64 plus follower & 0x3F, in one multiply-add of the lane's two bytes.
-    const __m128i two = _mm_maddubs_epi16(_mm_and_si128(pairs, _mm_set1_epi16(0x1F3F)),
-                                          _mm_set1_epi16(0x4001));
+    const __m128i two =
+        _mm_maddubs_epi16(_mm_and_si128(pairs, _mm_set1_epi16(0x1F3F)), _mm_set1_epi16(0x4001));
     __m128i multi = two;
     if constexpr (W >= THREE) {
         // As signed lanes, leads 0xE0 and up are above -8193 (0xDFFF), 0xF0 and up above -4097.
@@ -210,9 +209,8 @@ template <Widest W> QNCL_SSE41 inline __m128i unitsOf(__m128i pairs, __m128i thi
             // of the low surrogate.
             const __m128i high =
                 _mm_add_epi16(_mm_srli_epi16(three, 4), _mm_set1_epi16(static_cast<short>(0xD7C0)));
-            const __m128i low =
-                _mm_or_si128(_mm_and_si128(three, _mm_set1_epi16(0x3FF)),
-                             _mm_set1_epi16(static_cast<short>(0xDC00)));
+            const __m128i low = _mm_or_si128(_mm_and_si128(three, _mm_set1_epi16(0x3FF)),
+                                             _mm_set1_epi16(static_cast<short>(0xDC00)));
             multi = _mm_blendv_epi8(multi, high, _mm_cmpgt_epi16(pairs, _mm_set1_epi16(-4097)));
             // Continuation bytes (0x80-0xBF) are the lanes below -16384.
             multi = _mm_blendv_epi8(
@@ -284,8 +282,8 @@ QNCL_SSE41 inline char16_t* writeChunk(const uint8_t* from, uint64_t keep, char1
     for (int b = 0; b < 4; ++b) {
         const unsigned lanes = static_cast<unsigned>(keep >> (16 * b)) & 0xFFFFu;
         writeCompressed<W>(from + 16 * b,
-                           _mm_loadu_si128(reinterpret_cast<const __m128i*>(from + 16 * b)),
-                           lanes, to);
+                           _mm_loadu_si128(reinterpret_cast<const __m128i*>(from + 16 * b)), lanes,
+                           to);
         to += __builtin_popcount(lanes);
     }
     return to;
@@ -424,41 +422,29 @@ struct WideConstants {
     __m256i low6, payloads, weights, low10, threeLeads, fourLeads, continuations, highBase, lowBase;
 };
 
-QNCL_AVX2_STEPS inline __m256i opaque(__m256i v) {
-    __asm__("" : "+x"(v));
-    return v;
-}
-
 QNCL_AVX2_STEPS inline __m256i faultTableWide(const int8_t (&table)[16]) {
-    return opaque(
+    return hidden(
         _mm256_broadcastsi128_si256(_mm_load_si128(reinterpret_cast<const __m128i*>(table))));
 }
 
 QNCL_AVX2_STEPS inline WideConstants wideConstants() {
-    return {faultTableWide(FAULTS.prevHigh),
-            faultTableWide(FAULTS.prevLow),
-            faultTableWide(FAULTS.curHigh),
-            opaque(_mm256_set1_epi8(0x0F)),
+    return {faultTableWide(FAULTS.prevHigh), faultTableWide(FAULTS.prevLow),
+            faultTableWide(FAULTS.curHigh), hidden(_mm256_set1_epi8(0x0F)),
             // Bytes from 0xE0 (0xF0) up are those still 0x80 or more less 0x60 (0x70).
-            opaque(_mm256_set1_epi8(0xE0 - 0x80)),
-            opaque(_mm256_set1_epi8(0xF0 - 0x80)),
-            opaque(_mm256_set1_epi8(TWO_CONTS)),
+            hidden(_mm256_set1_epi8(0xE0 - 0x80)), hidden(_mm256_set1_epi8(0xF0 - 0x80)),
+            hidden(_mm256_set1_epi8(TWO_CONTS)),
             // As signed bytes, continuation bytes are -128..-65 and leads -64..-1.
-            opaque(_mm256_set1_epi8(-64)),
-            opaque(_mm256_set1_epi8(-65)),
-            opaque(_mm256_set1_epi8(static_cast<char>(0xFE))),
-            opaque(_mm256_set1_epi8(static_cast<char>(0xC0))),
-            opaque(_mm256_set1_epi16(0x3F)),
-            opaque(_mm256_set1_epi16(0x1F3F)),
-            opaque(_mm256_set1_epi16(0x4001)),
-            opaque(_mm256_set1_epi16(0x3FF)),
+            hidden(_mm256_set1_epi8(-64)), hidden(_mm256_set1_epi8(-65)),
+            hidden(_mm256_set1_epi8(static_cast<char>(0xFE))),
+            hidden(_mm256_set1_epi8(static_cast<char>(0xC0))), hidden(_mm256_set1_epi16(0x3F)),
+            hidden(_mm256_set1_epi16(0x1F3F)), hidden(_mm256_set1_epi16(0x4001)),
+            hidden(_mm256_set1_epi16(0x3FF)),
             // As signed lanes, leads 0xE0 and up are above -8193 (0xDFFF), 0xF0 and up above
             // -4097; continuation bytes are below -16384.
-            opaque(_mm256_set1_epi16(-8193)),
-            opaque(_mm256_set1_epi16(-4097)),
-            opaque(_mm256_set1_epi16(static_cast<short>(0xC000))),
-            opaque(_mm256_set1_epi16(static_cast<short>(0xD7C0))),
-            opaque(_mm256_set1_epi16(static_cast<short>(0xDC00)))};
+            hidden(_mm256_set1_epi16(-8193)), hidden(_mm256_set1_epi16(-4097)),
+            hidden(_mm256_set1_epi16(static_cast<short>(0xC000))),
+            hidden(_mm256_set1_epi16(static_cast<short>(0xD7C0))),
+            hidden(_mm256_set1_epi16(static_cast<short>(0xDC00)))};
 }
 
 // blockFaults over 32 bytes; before holds the 32 bytes ahead of them.
@@ -469,10 +455,9 @@ QNCL_AVX2_STEPS inline __m256i blockFaultsWide(__m256i bytes, __m256i before,
     const __m256i joined = _mm256_permute2x128_si256(before, bytes, 0x21);
     const __m256i prev1 = _mm256_alignr_epi8(bytes, joined, 15);
     const __m256i pairs = _mm256_and_si256(
-        _mm256_and_si256(
-            _mm256_shuffle_epi8(c.prevHigh,
-                                _mm256_and_si256(_mm256_srli_epi16(prev1, 4), c.nibble)),
-            _mm256_shuffle_epi8(c.prevLow, _mm256_and_si256(prev1, c.nibble))),
+        _mm256_and_si256(_mm256_shuffle_epi8(
+                             c.prevHigh, _mm256_and_si256(_mm256_srli_epi16(prev1, 4), c.nibble)),
+                         _mm256_shuffle_epi8(c.prevLow, _mm256_and_si256(prev1, c.nibble))),
         _mm256_shuffle_epi8(c.curHigh, _mm256_and_si256(_mm256_srli_epi16(bytes, 4), c.nibble)));
     __m256i mustContinue = _mm256_subs_epu8(_mm256_alignr_epi8(bytes, joined, 14), c.past3);
     if constexpr (Four)
@@ -511,8 +496,7 @@ QNCL_AVX2_STEPS inline ChunkMasks fullMasksWide(const __m256i (&v)[2], const Wid
     const __m256i any = _mm256_or_si256(f[0], f[1]);
     if (_mm256_testz_si256(any, any))
         return {starts, CHUNK};
-    const uint64_t clean =
-        bitsOfWide(_mm256_cmpeq_epi8(f[0], zero), _mm256_cmpeq_epi8(f[1], zero));
+    const uint64_t clean = bitsOfWide(_mm256_cmpeq_epi8(f[0], zero), _mm256_cmpeq_epi8(f[1], zero));
     return {starts, __builtin_ctzll(~clean)};
 }
 
@@ -540,7 +524,7 @@ QNCL_AVX2_STEPS inline __m256i widened(const uint8_t* at) {
 
 template <Widest W>
 QNCL_AVX2_STEPS inline char16_t* writeChunkWide(const uint8_t* from, uint64_t keep, char16_t* to,
-                                          const WideConstants& c) {
+                                                const WideConstants& c) {
     for (int b = 0; b < 4; ++b) {
         const uint8_t* at = from + 16 * b;
         const __m256i pairs = _mm256_or_si256(_mm256_slli_epi16(widened(at), 8), widened(at + 1));
@@ -563,7 +547,7 @@ QNCL_AVX2_STEPS inline char16_t* writeChunkWide(const uint8_t* from, uint64_t ke
 }
 
 QNCL_AVX2_STEPS void decodeBlocksWide(const uint8_t* in, long& inPos, long inEnd, char16_t* out,
-                                long& outPos, long outEnd) {
+                                      long& outPos, long outEnd) {
     const WideConstants constants = wideConstants();
     ChunkMode modes;
     long i = inPos;

@@ -120,6 +120,12 @@ QNCL_SSE41 inline __m128i set16(int value) {
     return _mm_set1_epi16(static_cast<short>(value));
 }
 
+// All ones in the lanes of units that have none of mask's bits: ASCII with 0xFF80, below U+0800
+// with 0xF800.
+QNCL_SSE41 inline __m128i lanesWithout(__m128i units, int mask) {
+    return _mm_cmpeq_epi16(_mm_and_si128(units, set16(mask)), _mm_setzero_si128());
+}
+
 // Eight units below U+0800 (ascii marks the ASCII lanes, asciiBits has one bit a lane for
 // them): stores their bytes at to and says how many there are.
 QNCL_SSE41 inline long encodeTwoByteLanes(__m128i units, __m128i ascii, unsigned asciiBits,
@@ -221,12 +227,9 @@ struct Positions {
 };
 
 #ifdef QNCL_SIMD_WIDE
-QNCL_AVX2 inline __m256i set(int value) {
-    return _mm256_set1_epi16(static_cast<short>(value));
-}
-
-QNCL_AVX2 inline void hide(__m256i& value) {
-    __asm__("" : "+x"(value));
+// value in every 16-bit lane, hidden (see SimdLevel.h).
+QNCL_AVX2 inline __m256i hiddenLanes(int value) {
+    return hidden(_mm256_set1_epi16(static_cast<short>(value)));
 }
 
 // The constants of the wide steps, made once before the loop and hidden from the compiler,
@@ -237,28 +240,13 @@ struct WideConstants {
         twoLead, mid, threeLead, twoBytes, lowBits, quadOrder;
 
     QNCL_AVX2 WideConstants()
-        : nonAscii(set(0xFF80)), notBelow(set(0xF800)), bits6(set(0x3F)), byte80(set(0x80)),
-          highTag(set(0xD800)), lowTag(set(0xDC00)), surrogateMask(set(0xFC00)), plane(set(0x40)),
-          fourLead(set(0x18)), twoLead(set(0x4000)), mid(set(0x3F00)), threeLead(set(0x80E0)),
-          twoBytes(set(0x80C0)), lowBits(set(0xF)),
-          quadOrder(_mm256_setr_epi8(0, 1, 2, 3, 8, 9, 10, 11, 4, 5, 6, 7, 12, 13, 14, 15, 0, 1, 2,
-                                     3, 8, 9, 10, 11, 4, 5, 6, 7, 12, 13, 14, 15)) {
-        hide(nonAscii);
-        hide(notBelow);
-        hide(bits6);
-        hide(byte80);
-        hide(highTag);
-        hide(lowTag);
-        hide(surrogateMask);
-        hide(plane);
-        hide(fourLead);
-        hide(twoLead);
-        hide(mid);
-        hide(threeLead);
-        hide(twoBytes);
-        hide(lowBits);
-        hide(quadOrder);
-    }
+        : nonAscii(hiddenLanes(0xFF80)), notBelow(hiddenLanes(0xF800)), bits6(hiddenLanes(0x3F)),
+          byte80(hiddenLanes(0x80)), highTag(hiddenLanes(0xD800)), lowTag(hiddenLanes(0xDC00)),
+          surrogateMask(hiddenLanes(0xFC00)), plane(hiddenLanes(0x40)), fourLead(hiddenLanes(0x18)),
+          twoLead(hiddenLanes(0x4000)), mid(hiddenLanes(0x3F00)), threeLead(hiddenLanes(0x80E0)),
+          twoBytes(hiddenLanes(0x80C0)), lowBits(hiddenLanes(0xF)),
+          quadOrder(hidden(_mm256_setr_epi8(0, 1, 2, 3, 8, 9, 10, 11, 4, 5, 6, 7, 12, 13, 14, 15, 0,
+                                            1, 2, 3, 8, 9, 10, 11, 4, 5, 6, 7, 12, 13, 14, 15))) {}
 };
 
 // Sixteen units a step, any mix, from in[i] into out[o] while at least 32 units of the stretch
@@ -418,10 +406,8 @@ QNCL_SSE41 inline bool encodeStretch(const char16_t* in, long& i, long end, uint
     __m128i lastHigh = _mm_setzero_si128();
     while (end - i >= 16) {
         const __m128i units = load(in + i);
-        const __m128i ascii =
-            _mm_cmpeq_epi16(_mm_and_si128(units, set16(0xFF80)), _mm_setzero_si128());
-        const __m128i below =
-            _mm_cmpeq_epi16(_mm_and_si128(units, set16(0xF800)), _mm_setzero_si128());
+        const __m128i ascii = lanesWithout(units, 0xFF80);
+        const __m128i below = lanesWithout(units, 0xF800);
         const unsigned classBits =
             static_cast<unsigned>(_mm_movemask_epi8(_mm_packs_epi16(ascii, below)));
         // After a straddling pair the first lane is a low surrogate: none of the next three.
@@ -461,10 +447,8 @@ QNCL_SSE41 inline bool encodeStretch(const char16_t* in, long& i, long end, uint
                 const __m128i hi = load(in + i + 8);
                 if (!_mm_testz_si128(_mm_or_si128(lo, hi), set16(0xF800)))
                     break;
-                const __m128i asciiLo =
-                    _mm_cmpeq_epi16(_mm_and_si128(lo, set16(0xFF80)), _mm_setzero_si128());
-                const __m128i asciiHi =
-                    _mm_cmpeq_epi16(_mm_and_si128(hi, set16(0xFF80)), _mm_setzero_si128());
+                const __m128i asciiLo = lanesWithout(lo, 0xFF80);
+                const __m128i asciiHi = lanesWithout(hi, 0xFF80);
                 const unsigned bits =
                     static_cast<unsigned>(_mm_movemask_epi8(_mm_packs_epi16(asciiLo, asciiHi)));
                 o += encodeTwoByteLanes(lo, asciiLo, bits & 0xFFu, out + o);
