@@ -1,7 +1,7 @@
 // The UTF converters against ICU (u_strFromUTF8, u_strToUTF8, ucnv), glibc's iconv and, for
 // ASCII, a plain widening loop (the speed of memory itself), on the same generated texts: ASCII,
-// Latin-1, Russian, Greek, Chinese, emoji and Western (code page 1252) text, each about 256 KiB
-// of UTF-8.
+// Latin-1, Russian, Greek, Chinese, emoji, Western (code page 1252) and mixed text, each about 256
+// KiB of UTF-8.
 #include "qn/text/charset/BTCUTF16.h"
 #include "qn/text/charset/BTCUTF32.h"
 #include "qn/text/charset/BTCUTF8.h"
@@ -49,6 +49,11 @@ const char16_t* const WESTERN_WORDS[] = {
     u"‘Bien",   u"sûr’",   u"and",    u"wrote",   u"€14.50",     u"on",     u"the",
     u"bill",    u"—",      u"tip",    u"not",     u"included.",  u"Señor",  u"Muñoz",
     u"ordered", u"a",      u"Kölsch", u"and",     u"smørrebrød", u"7:45…",  u"Œuvre™."};
+// Mostly ASCII with the odd word of Latin-1, Cyrillic, Chinese and an emoji: the mix of the
+// readers' line benchmark, where nearly every chunk holds a four-byte form.
+const char16_t* const MIXED_WORDS[] = {u"the",    u"stream", u"of",   u"characters", u"reader",
+                                       u"line",   u"buffer", u"café", u"naïve",      u"привет",
+                                       u"文字列", u"😀",      u"42",   u"x"};
 
 template <size_t N> std::u16string makeText(const char16_t* const (&words)[N]) {
     std::u16string text;
@@ -95,7 +100,7 @@ const Corpus& corpus(int which) {
     static const Corpus corpora[] = {makeCorpus(ASCII_WORDS),   makeCorpus(LATIN1_WORDS),
                                      makeCorpus(RUSSIAN_WORDS), makeCorpus(GREEK_WORDS),
                                      makeCorpus(CHINESE_WORDS), makeCorpus(EMOJI_WORDS),
-                                     makeCorpus(WESTERN_WORDS)};
+                                     makeCorpus(WESTERN_WORDS), makeCorpus(MIXED_WORDS)};
     return corpora[which];
 }
 
@@ -224,10 +229,11 @@ void runIconv(benchmark::State& state, const char* to, const char* from, const s
 }
 #endif
 
-const char* const NAMES[] = {"Ascii", "Latin1", "Russian", "Greek", "Chinese", "Emoji", "Western"};
+const char* const NAMES[] = {"Ascii",   "Latin1", "Russian", "Greek",
+                             "Chinese", "Emoji",  "Western", "Mixed"};
 
 void registerAll() {
-    for (int which = 0; which < 7; ++which) {
+    for (int which = 0; which < 8; ++which) {
         const std::string name = NAMES[which];
         const Corpus& c = corpus(which);
         const size_t units = c.units.size();

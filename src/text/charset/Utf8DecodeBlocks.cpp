@@ -3,8 +3,8 @@
 // and carries on from where it stops). Mixed text of any script goes 64 bytes at a time.
 //
 // A chunk of 64 bytes is loaded and checked at once. All ASCII: widenAscii. Without bytes
-// 0xE0-0xFF (Latin-1, Cyrillic, Greek): a few masks find the faults (narrowMasks). Otherwise
-// three nibble tables do (blockFaults). Then the chunk is written in four independent steps of
+// 0xF0-0xFF (Latin-1, Cyrillic, Greek, Chinese): a few masks of leads and continuation bytes find
+// the faults (leadMasks). Otherwise three nibble tables do (blockFaults). Then the chunk is written in four independent steps of
 // sixteen bytes: every byte gets a candidate unit (ASCII as it is, a lead with the bytes after
 // it; a four-byte lead its high surrogate and its first continuation byte the low one), and the
 // candidates of the bytes that start sequences (and of the low surrogates) are compressed to the
@@ -108,7 +108,7 @@ QNCL_SSE41 inline __m128i faultTable(const int8_t (&table)[16]) {
 // and fourth bytes of long forms are checked against the leads two and three bytes back: 0x80
 // where a continuation must come (two bytes after E0-FF, three after F0-FF). A continuation there
 // is the one place TWO_CONTS is right; anywhere else it is a fault.
-template <bool Four> QNCL_SSE41 inline __m128i blockFaults(__m128i bytes, __m128i before) {
+QNCL_SSE41 inline __m128i blockFaults(__m128i bytes, __m128i before) {
     const __m128i prev1 = _mm_alignr_epi8(bytes, before, 15);
     const __m128i lowNibbles = _mm_set1_epi8(0x0F);
     const __m128i pairs = _mm_and_si128(
@@ -118,11 +118,9 @@ template <bool Four> QNCL_SSE41 inline __m128i blockFaults(__m128i bytes, __m128
             _mm_shuffle_epi8(faultTable(FAULTS.prevLow), _mm_and_si128(prev1, lowNibbles))),
         _mm_shuffle_epi8(faultTable(FAULTS.curHigh),
                          _mm_and_si128(_mm_srli_epi16(bytes, 4), lowNibbles)));
-    __m128i mustContinue =
-        _mm_subs_epu8(_mm_alignr_epi8(bytes, before, 14), _mm_set1_epi8(0xE0 - 0x80));
-    if constexpr (Four)
-        mustContinue = _mm_or_si128(mustContinue, _mm_subs_epu8(_mm_alignr_epi8(bytes, before, 13),
-                                                                _mm_set1_epi8(0xF0 - 0x80)));
+    const __m128i mustContinue =
+        _mm_or_si128(_mm_subs_epu8(_mm_alignr_epi8(bytes, before, 14), _mm_set1_epi8(0xE0 - 0x80)),
+                     _mm_subs_epu8(_mm_alignr_epi8(bytes, before, 13), _mm_set1_epi8(0xF0 - 0x80)));
     return _mm_xor_si128(pairs, _mm_and_si128(mustContinue, _mm_set1_epi8(TWO_CONTS)));
 }
 
@@ -142,10 +140,13 @@ struct ChunkMasks {
     long usable;
 };
 
-// For chunks without bytes 0xE0-0xFF: ASCII, continuation bytes and leads 0xC0-0xDF only. Then
-// the faults are a continuation byte that does not follow a lead, a lead not followed by one,
-// and C0 or C1 (at its own position).
-QNCL_SSE41 inline ChunkMasks narrowMasks(const __m128i (&v)[4]) {
+// For chunks without bytes 0xF0-0xFF (Three) or without bytes 0xE0-0xFF: ASCII, continuation
+// bytes and leads of two- (and three-) byte forms only. Every lead needs a continuation byte
+// after it, a three-byte lead a second one after that, and no other byte may be one: the faults
+// are where the continuation bytes and the places that need one differ. Besides, C0 and C1 are
+// faults at their own position, and so is the second byte of ED A0-BF (a surrogate). What a last
+// lead needs past byte 63 is shifted out: planChunk leaves that sequence to the next chunk.
+template <bool Three> QNCL_SSE41 inline ChunkMasks leadMasks(const __m128i (&v)[4]) {
     const __m128i belowLeads = _mm_set1_epi8(-65);
     const uint64_t nonAscii = bitsOf(v[0], v[1], v[2], v[3]);
     const uint64_t leads =
@@ -153,25 +154,49 @@ QNCL_SSE41 inline ChunkMasks narrowMasks(const __m128i (&v)[4]) {
                _mm_cmpgt_epi8(v[2], belowLeads), _mm_cmpgt_epi8(v[3], belowLeads)) &
         nonAscii;
     const uint64_t conts = nonAscii & ~leads;
-    uint64_t faults = conts ^ (leads << 1);
+    uint64_t need = leads << 1;
+    if constexpr (Three) {
+        const __m128i belowThrees = _mm_set1_epi8(-33);
+        need |= (bitsOf(_mm_cmpgt_epi8(v[0], belowThrees), _mm_cmpgt_epi8(v[1], belowThrees),
+                        _mm_cmpgt_epi8(v[2], belowThrees), _mm_cmpgt_epi8(v[3], belowThrees)) &
+                 nonAscii)
+                << 2;
+    }
+    uint64_t faults = conts ^ need;
     const __m128i even = _mm_set1_epi8(static_cast<char>(0xFE));
     const __m128i c0 = _mm_set1_epi8(static_cast<char>(0xC0));
     const __m128i overlong[4] = {_mm_cmpeq_epi8(_mm_and_si128(v[0], even), c0),
                                  _mm_cmpeq_epi8(_mm_and_si128(v[1], even), c0),
                                  _mm_cmpeq_epi8(_mm_and_si128(v[2], even), c0),
                                  _mm_cmpeq_epi8(_mm_and_si128(v[3], even), c0)};
-    const __m128i any = _mm_or_si128(_mm_or_si128(overlong[0], overlong[1]),
-                                     _mm_or_si128(overlong[2], overlong[3]));
-    if (!_mm_testz_si128(any, any))
+    __m128i any = _mm_or_si128(_mm_or_si128(overlong[0], overlong[1]),
+                               _mm_or_si128(overlong[2], overlong[3]));
+    __m128i eds[4];
+    if constexpr (Three) {
+        const __m128i ed = _mm_set1_epi8(static_cast<char>(0xED));
+        for (int k = 0; k < 4; ++k) {
+            eds[k] = _mm_cmpeq_epi8(v[k], ed);
+            any = _mm_or_si128(any, eds[k]);
+        }
+    }
+    if (!_mm_testz_si128(any, any)) {
         faults |= bitsOf(overlong[0], overlong[1], overlong[2], overlong[3]);
+        if constexpr (Three) {
+            // Continuation bytes A0-BF are those above -97 as signed bytes.
+            const __m128i belowA0 = _mm_set1_epi8(-97);
+            faults |= bitsOf(eds[0], eds[1], eds[2], eds[3]) << 1 & conts &
+                      bitsOf(_mm_cmpgt_epi8(v[0], belowA0), _mm_cmpgt_epi8(v[1], belowA0),
+                             _mm_cmpgt_epi8(v[2], belowA0), _mm_cmpgt_epi8(v[3], belowA0));
+        }
+    }
     return {~conts, faults == 0 ? CHUNK : __builtin_ctzll(faults)};
 }
 
-// For any chunk (Four: one that may hold bytes 0xF0-0xFF): blockFaults over its four blocks.
-template <bool Four> QNCL_SSE41 inline ChunkMasks fullMasks(const __m128i (&v)[4]) {
+// For any chunk: blockFaults over its four blocks.
+QNCL_SSE41 inline ChunkMasks fullMasks(const __m128i (&v)[4]) {
     const __m128i zero = _mm_setzero_si128();
-    const __m128i f[4] = {blockFaults<Four>(v[0], zero), blockFaults<Four>(v[1], v[0]),
-                          blockFaults<Four>(v[2], v[1]), blockFaults<Four>(v[3], v[2])};
+    const __m128i f[4] = {blockFaults(v[0], zero), blockFaults(v[1], v[0]), blockFaults(v[2], v[1]),
+                          blockFaults(v[3], v[2])};
     // Continuation bytes are -128..-65 as signed bytes; every other byte starts a sequence.
     const __m128i cont = _mm_set1_epi8(-64);
     const uint64_t starts = ~bitsOf(_mm_cmplt_epi8(v[0], cont), _mm_cmplt_epi8(v[1], cont),
@@ -381,18 +406,18 @@ QNCL_SSE41 void decodeBlocks(const uint8_t* in, long& inPos, long inEnd, char16_
         char16_t* to = out + o;
         switch (modes.next(widestIn(top, _mm_set1_epi8(0x60), _mm_set1_epi8(0x70)))) {
         case TWO:
-            masks = narrowMasks(v);
+            masks = leadMasks<false>(v);
             plan = planChunk(from, masks, 0);
             to = writeChunk<TWO>(from, plan.keep, to);
             break;
         case THREE:
-            masks = fullMasks<false>(v);
+            masks = leadMasks<true>(v);
             plan = planChunk(from, masks, 0);
             to = writeChunk<THREE>(from, plan.keep, to);
             break;
         default: { // FOUR
             const __m128i fours = _mm_set1_epi8(0x70);
-            masks = fullMasks<true>(v);
+            masks = fullMasks(v);
             plan = planChunk(from, masks,
                              bitsOf(_mm_subs_epu8(v[0], fours), _mm_subs_epu8(v[1], fours),
                                     _mm_subs_epu8(v[2], fours), _mm_subs_epu8(v[3], fours)));
@@ -417,7 +442,7 @@ QNCL_SSE41 void decodeBlocks(const uint8_t* in, long& inPos, long inEnd, char16_
 struct WideConstants {
     // The fault check.
     __m256i prevHigh, prevLow, curHigh, nibble, past3, past4, twoConts, belowConts, belowLeads,
-        even, c0;
+        belowThrees, even, c0, ed;
     // The units.
     __m256i low6, payloads, weights, low10, threeLeads, fourLeads, continuations, highBase, lowBase;
 };
@@ -433,10 +458,12 @@ QNCL_AVX2_STEPS inline WideConstants wideConstants() {
             // Bytes from 0xE0 (0xF0) up are those still 0x80 or more less 0x60 (0x70).
             hidden(_mm256_set1_epi8(0xE0 - 0x80)), hidden(_mm256_set1_epi8(0xF0 - 0x80)),
             hidden(_mm256_set1_epi8(TWO_CONTS)),
-            // As signed bytes, continuation bytes are -128..-65 and leads -64..-1.
+            // As signed bytes, continuation bytes are -128..-65 and leads -64..-1, three-byte
+            // leads from -32 on.
             hidden(_mm256_set1_epi8(-64)), hidden(_mm256_set1_epi8(-65)),
-            hidden(_mm256_set1_epi8(static_cast<char>(0xFE))),
-            hidden(_mm256_set1_epi8(static_cast<char>(0xC0))), hidden(_mm256_set1_epi16(0x3F)),
+            hidden(_mm256_set1_epi8(-33)), hidden(_mm256_set1_epi8(static_cast<char>(0xFE))),
+            hidden(_mm256_set1_epi8(static_cast<char>(0xC0))),
+            hidden(_mm256_set1_epi8(static_cast<char>(0xED))), hidden(_mm256_set1_epi16(0x3F)),
             hidden(_mm256_set1_epi16(0x1F3F)), hidden(_mm256_set1_epi16(0x4001)),
             hidden(_mm256_set1_epi16(0x3FF)),
             // As signed lanes, leads 0xE0 and up are above -8193 (0xDFFF), 0xF0 and up above
@@ -448,7 +475,6 @@ QNCL_AVX2_STEPS inline WideConstants wideConstants() {
 }
 
 // blockFaults over 32 bytes; before holds the 32 bytes ahead of them.
-template <bool Four>
 QNCL_AVX2_STEPS inline __m256i blockFaultsWide(__m256i bytes, __m256i before,
                                                const WideConstants& c) {
     // Each 128-bit lane of joined holds the sixteen bytes ahead of that lane of bytes.
@@ -459,10 +485,9 @@ QNCL_AVX2_STEPS inline __m256i blockFaultsWide(__m256i bytes, __m256i before,
                              c.prevHigh, _mm256_and_si256(_mm256_srli_epi16(prev1, 4), c.nibble)),
                          _mm256_shuffle_epi8(c.prevLow, _mm256_and_si256(prev1, c.nibble))),
         _mm256_shuffle_epi8(c.curHigh, _mm256_and_si256(_mm256_srli_epi16(bytes, 4), c.nibble)));
-    __m256i mustContinue = _mm256_subs_epu8(_mm256_alignr_epi8(bytes, joined, 14), c.past3);
-    if constexpr (Four)
-        mustContinue = _mm256_or_si256(
-            mustContinue, _mm256_subs_epu8(_mm256_alignr_epi8(bytes, joined, 13), c.past4));
+    const __m256i mustContinue =
+        _mm256_or_si256(_mm256_subs_epu8(_mm256_alignr_epi8(bytes, joined, 14), c.past3),
+                        _mm256_subs_epu8(_mm256_alignr_epi8(bytes, joined, 13), c.past4));
     return _mm256_xor_si256(pairs, _mm256_and_si256(mustContinue, c.twoConts));
 }
 
@@ -471,26 +496,45 @@ QNCL_AVX2_STEPS inline uint64_t bitsOfWide(__m256i low, __m256i high) {
            static_cast<uint64_t>(static_cast<uint32_t>(_mm256_movemask_epi8(high))) << 32;
 }
 
-QNCL_AVX2_STEPS inline ChunkMasks narrowMasksWide(const __m256i (&v)[2], const WideConstants& c) {
+// leadMasks over two 32-byte halves.
+template <bool Three>
+QNCL_AVX2_STEPS inline ChunkMasks leadMasksWide(const __m256i (&v)[2], const WideConstants& c) {
     const uint64_t nonAscii = bitsOfWide(v[0], v[1]);
     const uint64_t leads =
         bitsOfWide(_mm256_cmpgt_epi8(v[0], c.belowLeads), _mm256_cmpgt_epi8(v[1], c.belowLeads)) &
         nonAscii;
     const uint64_t conts = nonAscii & ~leads;
-    uint64_t faults = conts ^ (leads << 1);
+    uint64_t need = leads << 1;
+    if constexpr (Three)
+        need |= (bitsOfWide(_mm256_cmpgt_epi8(v[0], c.belowThrees),
+                            _mm256_cmpgt_epi8(v[1], c.belowThrees)) &
+                 nonAscii)
+                << 2;
+    uint64_t faults = conts ^ need;
     const __m256i overlong[2] = {_mm256_cmpeq_epi8(_mm256_and_si256(v[0], c.even), c.c0),
                                  _mm256_cmpeq_epi8(_mm256_and_si256(v[1], c.even), c.c0)};
-    const __m256i any = _mm256_or_si256(overlong[0], overlong[1]);
-    if (!_mm256_testz_si256(any, any))
+    __m256i any = _mm256_or_si256(overlong[0], overlong[1]);
+    __m256i eds[2];
+    if constexpr (Three) {
+        eds[0] = _mm256_cmpeq_epi8(v[0], c.ed);
+        eds[1] = _mm256_cmpeq_epi8(v[1], c.ed);
+        any = _mm256_or_si256(any, _mm256_or_si256(eds[0], eds[1]));
+    }
+    if (!_mm256_testz_si256(any, any)) {
         faults |= bitsOfWide(overlong[0], overlong[1]);
+        if constexpr (Three) {
+            const __m256i belowA0 = _mm256_set1_epi8(-97);
+            faults |=
+                bitsOfWide(eds[0], eds[1]) << 1 & conts &
+                bitsOfWide(_mm256_cmpgt_epi8(v[0], belowA0), _mm256_cmpgt_epi8(v[1], belowA0));
+        }
+    }
     return {~conts, faults == 0 ? CHUNK : __builtin_ctzll(faults)};
 }
 
-template <bool Four>
 QNCL_AVX2_STEPS inline ChunkMasks fullMasksWide(const __m256i (&v)[2], const WideConstants& c) {
     const __m256i zero = _mm256_setzero_si256();
-    const __m256i f[2] = {blockFaultsWide<Four>(v[0], zero, c),
-                          blockFaultsWide<Four>(v[1], v[0], c)};
+    const __m256i f[2] = {blockFaultsWide(v[0], zero, c), blockFaultsWide(v[1], v[0], c)};
     const uint64_t starts =
         ~bitsOfWide(_mm256_cmpgt_epi8(c.belowConts, v[0]), _mm256_cmpgt_epi8(c.belowConts, v[1]));
     const __m256i any = _mm256_or_si256(f[0], f[1]);
@@ -568,17 +612,17 @@ QNCL_AVX2_STEPS void decodeBlocksWide(const uint8_t* in, long& inPos, long inEnd
             _mm_max_epu8(_mm256_castsi256_si128(top), _mm256_extracti128_si256(top, 1)),
             _mm256_castsi256_si128(constants.past3), _mm256_castsi256_si128(constants.past4)))) {
         case TWO:
-            masks = narrowMasksWide(v, constants);
+            masks = leadMasksWide<false>(v, constants);
             plan = planChunk(from, masks, 0);
             to = writeChunkWide<TWO>(from, plan.keep, to, constants);
             break;
         case THREE:
-            masks = fullMasksWide<false>(v, constants);
+            masks = leadMasksWide<true>(v, constants);
             plan = planChunk(from, masks, 0);
             to = writeChunkWide<THREE>(from, plan.keep, to, constants);
             break;
         default: { // FOUR
-            masks = fullMasksWide<true>(v, constants);
+            masks = fullMasksWide(v, constants);
             plan = planChunk(from, masks,
                              bitsOfWide(_mm256_subs_epu8(v[0], constants.past4),
                                         _mm256_subs_epu8(v[1], constants.past4)));
