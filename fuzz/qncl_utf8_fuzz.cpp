@@ -4,8 +4,8 @@
 // conversion (output, positions, exception), pairs are never split between calls, the fast
 // loops (SSE2 and SSSE3 in the converters, machine words in the loops run here) agree with the
 // simple ones step for step under the same splits (windows up to 40 units, so that blocks happen,
-// and up to 300 for the converter's chunks), the 128-bit and 256-bit chunk steps agree with each
-// other, and well-formed text survives a round trip.
+// and up to 300 for the converter's chunks), the 128-bit, 256-bit and dense chunk steps agree
+// with each other, and well-formed text survives a round trip.
 #include "qn/text/charset/BTCUTF8.h"
 #include "qn/text/charset/CTBUTF8.h"
 
@@ -77,18 +77,27 @@ void fuzzDecoder(const Settings& settings, uint32_t seed, const uint8_t* text, l
     check(kernelRun(nullptr, SimpleDecoder<true>{settings}, 40) == oneShot);
 #if defined(QNCL_UTF8_DECODE_BLOCKS) && defined(QNCL_SIMD_WIDE)
     // The 128-bit and 256-bit chunk steps, from the same random starts into outputs that end
-    // anywhere, stop at the same place with the same units.
-    if (simdLevel() < 2)
+    // anywhere, stop at the same place with the same units; with the dense steps as well they
+    // may stop elsewhere, but on the same way: the one that went less far wrote a prefix of the
+    // other's units.
+    if (utf::utf8BlockLevel() < 2)
         return;
     Random r{seed};
-    std::vector<char16_t> narrow(static_cast<size_t>(size) + 1), wide(narrow.size());
+    std::vector<char16_t> narrow(static_cast<size_t>(size) + 1), wide(narrow.size()),
+        dense(narrow.size());
     for (int round = 0; round < 4; ++round) {
         const long start = r.upTo(size + 1) - 1;
         const long outEnd = r.upTo(size + 1);
-        long i1 = start, o1 = 0, i2 = start, o2 = 0;
+        long i1 = start, o1 = 0, i2 = start, o2 = 0, i3 = start, o3 = 0;
         utf::decodeUtf8Blocks(text, i1, size, narrow.data(), o1, outEnd, 1);
         utf::decodeUtf8Blocks(text, i2, size, wide.data(), o2, outEnd, 2);
-        check(i1 == i2 && o1 == o2 && std::equal(narrow.begin(), narrow.begin() + o1, wide.begin()));
+        check(i1 == i2 && o1 == o2 &&
+              std::equal(narrow.begin(), narrow.begin() + o1, wide.begin()));
+        if (utf::utf8BlockLevel() < 3)
+            continue;
+        utf::decodeUtf8Blocks(text, i3, size, dense.data(), o3, outEnd, 3);
+        check((i3 < i2) == (o3 < o2) && (i3 == i2) == (o3 == o2) &&
+              std::equal(dense.begin(), dense.begin() + std::min(o2, o3), wide.begin()));
     }
 #endif
 }

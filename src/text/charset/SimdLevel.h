@@ -9,6 +9,7 @@
 #ifndef _WIN32
 #define QNCL_SIMD_WIDE 1
 #define QNCL_AVX2 __attribute__((target("avx2")))
+#include <cpuid.h>
 #include <immintrin.h>
 #endif
 
@@ -40,6 +41,27 @@ inline int simdLevel() {
     }();
     return level;
 }
+
+#ifdef QNCL_SIMD_WIDE
+// Whether the processor has BMI2 and deposits bits (pdep) in a cycle or so: Intel's since
+// Haswell, AMD's from Zen 3 (family 19h) on. Earlier AMD processors run it as microcode, taking up
+// to hundreds of cycles.
+inline bool fastBitDeposit() {
+    static const bool fast = [] {
+        __builtin_cpu_init();
+        if (!__builtin_cpu_supports("bmi2"))
+            return false;
+        if (__builtin_cpu_is("intel"))
+            return true;
+        unsigned a = 0, b = 0, c = 0, d = 0;
+        if (!__builtin_cpu_is("amd") || !__get_cpuid(1, &a, &b, &c, &d))
+            return false;
+        const unsigned base = (a >> 8) & 0xF;
+        return (base == 0xF ? base + ((a >> 20) & 0xFF) : base) >= 0x19;
+    }();
+    return fast;
+}
+#endif
 
 } // namespace qn::text::charset
 

@@ -4,14 +4,16 @@
 //
 // A chunk of 64 bytes is loaded and checked at once. All ASCII: widenAscii. Without bytes
 // 0xF0-0xFF (Latin-1, Cyrillic, Greek, Chinese): a few masks of leads and continuation bytes find
-// the faults (leadMasks). Otherwise three nibble tables do (blockFaults). Then the chunk is written in four independent steps of
-// sixteen bytes: every byte gets a candidate unit (ASCII as it is, a lead with the bytes after
-// it; a four-byte lead its high surrogate and its first continuation byte the low one), and the
-// candidates of the bytes that start sequences (and of the low surrogates) are compressed to the
-// front with pshufb, eight lanes at a time. The chunk's masks say which lanes those are and how
-// far the chunk goes (planChunk): up to a last sequence that runs past its end, or before the
-// sequence holding its first fault. How much arithmetic a candidate needs depends on the longest
-// lead of the chunk and its recent neighbours (ChunkMode).
+// the faults (leadMasks). Otherwise three nibble tables do (blockFaults). Then the chunk is written
+// in four independent steps of sixteen bytes: every byte gets a candidate unit (ASCII as it is, a
+// lead with the bytes after it; a four-byte lead its high surrogate and its first continuation byte
+// the low one), and the candidates of the bytes that start sequences (and of the low surrogates)
+// are compressed to the front with pshufb, eight lanes at a time. The chunk's masks say which lanes
+// those are and how far the chunk goes (planChunk): up to a last sequence that runs past its end,
+// or before the sequence holding its first fault. How much arithmetic a candidate needs depends on
+// the longest lead of the chunk and its recent neighbours (ChunkMode). Where bit deposit is fast,
+// chunks dense with three-byte sequences (Chinese, Japanese, Korean) are written by the dense
+// steps instead, which gather each sequence's bytes before they compute (writeDense).
 //
 // What it leaves: a chunk with a fault goes as far as the steps can before it, then a sequence
 // at a time to its end (decodeFaultyChunk), which stops before a sequence that needs an
@@ -445,6 +447,8 @@ struct WideConstants {
         belowThrees, even, c0, ed;
     // The units.
     __m256i low6, payloads, weights, low10, threeLeads, fourLeads, continuations, highBase, lowBase;
+    // The dense steps.
+    __m256i densePayloads, denseWeights, denseScale;
 };
 
 QNCL_AVX2_STEPS inline __m256i faultTableWide(const int8_t (&table)[16]) {
@@ -471,7 +475,13 @@ QNCL_AVX2_STEPS inline WideConstants wideConstants() {
             hidden(_mm256_set1_epi16(-8193)), hidden(_mm256_set1_epi16(-4097)),
             hidden(_mm256_set1_epi16(static_cast<short>(0xC000))),
             hidden(_mm256_set1_epi16(static_cast<short>(0xD7C0))),
-            hidden(_mm256_set1_epi16(static_cast<short>(0xDC00)))};
+            hidden(_mm256_set1_epi16(static_cast<short>(0xDC00))),
+            // A dense lane's bytes, last first: the payloads of the last byte (ASCII or a
+            // continuation: seven bits, the seventh clear in a continuation), the one before it
+            // (a continuation or a two-byte lead: six bits, the sixth clear in the lead) and a
+            // three-byte lead; weighed 1, 64 and 4096 by two multiply-adds.
+            hidden(_mm256_set1_epi32(0x000F3F7F)), hidden(_mm256_set1_epi32(0x00014001)),
+            hidden(_mm256_set1_epi32(0x10000001))};
 }
 
 // blockFaults over 32 bytes; before holds the 32 bytes ahead of them.
@@ -590,6 +600,106 @@ QNCL_AVX2_STEPS inline char16_t* writeChunkWide(const uint8_t* from, uint64_t ke
     return to;
 }
 
+// The dense steps, for chunks of Chinese, Japanese or Korean text, where two thirds of the
+// candidates above would be thrown away: the chunk's first twenty sequences go in five windows of
+// four, each window gathering its sequences' bytes into 32-bit lanes with one pshufb. Where a
+// window starts is where its first sequence does, found by bit deposit (one instruction, no
+// window waiting for the one before); its pshufb mask follows from the next twelve bits of the
+// chunk's starts. Only for clean chunks of sequences of up to three bytes, whose first twenty
+// sequences are whole and cover at least 48 bytes (with fewer, the plain steps write more per
+// chunk).
+constexpr long DENSE_SEQUENCES = 20;
+constexpr long DENSE_MIN_BYTES = 48;
+
+// By the bits after a window's first start (bit k: a sequence starts at byte k + 1), the row of
+// the lengths of its four sequences; by row, the pshufb mask that puts each sequence's bytes,
+// last first, at the bottom of its own 32-bit lane. Twelve bits always hold the four starts after
+// the first when no sequence is longer than three bytes.
+struct DenseTable {
+    uint8_t row[4096];
+    alignas(16) uint8_t shuffle[81][16];
+
+    constexpr DenseTable() : row(), shuffle() {
+        for (int r = 0; r < 81; ++r) {
+            int at = 0;
+            for (int lane = 0, rest = r; lane < 4; ++lane, rest /= 3) {
+                const int length = rest % 3 + 1;
+                for (int k = 0; k < 4; ++k)
+                    shuffle[r][4 * lane + k] =
+                        static_cast<uint8_t>(k < length ? at + length - 1 - k : 0x80);
+                at += length;
+            }
+        }
+        for (int bits = 0; bits < 4096; ++bits) {
+            int r = 0, weight = 1, last = 0, found = 0;
+            for (int k = 0; k < 12 && found < 4; ++k)
+                if ((bits >> k) & 1) {
+                    const int length = k + 1 - last;
+                    if (length > 3)
+                        break;
+                    r += (length - 1) * weight;
+                    weight *= 3;
+                    last = k + 1;
+                    ++found;
+                }
+            row[bits] = static_cast<uint8_t>(found == 4 ? r : 0);
+        }
+    }
+};
+
+constexpr DenseTable DENSE{};
+
+// Bit deposit, written out: the 256-bit steps are not compiled for BMI2, and the dense steps run
+// only where the processor has it (fastBitDeposit).
+inline uint64_t depositBits(uint64_t source, uint64_t mask) {
+    uint64_t result;
+    __asm__("pdepq %2, %1, %0" : "=r"(result) : "r"(source), "r"(mask));
+    return result;
+}
+
+// Where start k (from 0) of starts is; there must be one.
+inline long startAt(uint64_t starts, int k) {
+    return __builtin_ctzll(depositBits(uint64_t{1} << k, starts));
+}
+
+QNCL_AVX2_STEPS QNCL_INLINE __m128i denseShuffle(uint64_t starts, long at) {
+    return _mm_load_si128(
+        reinterpret_cast<const __m128i*>(DENSE.shuffle[DENSE.row[(starts >> (at + 1)) & 0xFFF]]));
+}
+
+// The units of the first twenty sequences of a chunk (see DENSE_SEQUENCES).
+QNCL_AVX2_STEPS QNCL_INLINE char16_t* writeDense(const uint8_t* from, uint64_t starts, char16_t* to,
+                                                 const WideConstants& c) {
+    const long at[5] = {0, startAt(starts, 4), startAt(starts, 8), startAt(starts, 12),
+                        startAt(starts, 16)};
+    for (int w = 0; w < 4; w += 2) {
+        const __m256i bytes = _mm256_inserti128_si256(
+            _mm256_castsi128_si256(_mm_loadu_si128(reinterpret_cast<const __m128i*>(from + at[w]))),
+            _mm_loadu_si128(reinterpret_cast<const __m128i*>(from + at[w + 1])), 1);
+        const __m256i shuffle =
+            _mm256_inserti128_si256(_mm256_castsi128_si256(denseShuffle(starts, at[w])),
+                                    denseShuffle(starts, at[w + 1]), 1);
+        const __m256i lanes =
+            _mm256_and_si256(_mm256_shuffle_epi8(bytes, shuffle), c.densePayloads);
+        const __m256i values =
+            _mm256_madd_epi16(_mm256_maddubs_epi16(lanes, c.denseWeights), c.denseScale);
+        // Each half's four units, packed twice over; the first copies of both halves, together.
+        const __m256i units = _mm256_permute4x64_epi64(_mm256_packus_epi32(values, values), 0x08);
+        _mm_storeu_si128(reinterpret_cast<__m128i*>(to + 4 * w), _mm256_castsi256_si128(units));
+    }
+    const __m128i lanes = _mm_and_si128(
+        _mm_shuffle_epi8(_mm_loadu_si128(reinterpret_cast<const __m128i*>(from + at[4])),
+                         denseShuffle(starts, at[4])),
+        _mm256_castsi256_si128(c.densePayloads));
+    const __m128i values =
+        _mm_madd_epi16(_mm_maddubs_epi16(lanes, _mm256_castsi256_si128(c.denseWeights)),
+                       _mm256_castsi256_si128(c.denseScale));
+    _mm_storel_epi64(reinterpret_cast<__m128i*>(to + 16), _mm_packus_epi32(values, values));
+    return to + DENSE_SEQUENCES;
+}
+
+// Dense: with the dense steps (see DENSE_SEQUENCES).
+template <bool Dense>
 QNCL_AVX2_STEPS void decodeBlocksWide(const uint8_t* in, long& inPos, long inEnd, char16_t* out,
                                       long& outPos, long outEnd) {
     const WideConstants constants = wideConstants();
@@ -618,6 +728,16 @@ QNCL_AVX2_STEPS void decodeBlocksWide(const uint8_t* in, long& inPos, long inEnd
             break;
         case THREE:
             masks = leadMasksWide<true>(v, constants);
+            if constexpr (Dense) {
+                // The 21st start, if the chunk has one; the dense steps take the sequences
+                // before it.
+                const uint64_t last = depositBits(uint64_t{1} << DENSE_SEQUENCES, masks.starts);
+                if (masks.usable == CHUNK && last >= uint64_t{1} << DENSE_MIN_BYTES) {
+                    plan.taken = __builtin_ctzll(last);
+                    to = writeDense(from, masks.starts, to, constants);
+                    break;
+                }
+            }
             plan = planChunk(from, masks, 0);
             to = writeChunkWide<THREE>(from, plan.keep, to, constants);
             break;
@@ -643,7 +763,10 @@ void decodeUtf8Blocks(const uint8_t* in, long& i, long inEnd, char16_t* out, lon
                       int level) {
 #ifdef QNCL_SIMD_WIDE
     if (level > 1) {
-        decodeBlocksWide(in, i, inEnd, out, o, outEnd);
+        if (level > 2)
+            decodeBlocksWide<true>(in, i, inEnd, out, o, outEnd);
+        else
+            decodeBlocksWide<false>(in, i, inEnd, out, o, outEnd);
         return;
     }
 #endif

@@ -344,10 +344,19 @@ inline bool decodeUtf8Stretch(const uint8_t* in, long& i, long limit, long inEnd
 // for bytes that start no sequence, as the simple loop does. It stops before a sequence that
 // needs the simple loop, or within 96 bytes of the input's end or 96 units of the output's end,
 // and may use the output below outEnd as scratch past the units it writes. level is what
-// simdLevel() allows or less: 1 takes 128-bit steps, 2 256-bit ones where they are built; the
-// two stop at the same place with the same units.
+// utf8BlockLevel() allows or less: 1 takes 128-bit steps, 2 256-bit ones where they are built,
+// 3 those and dense steps for text of three-byte sequences. 1 and 2 stop at the same place with
+// the same units; 3 may stop elsewhere on the same way through the text.
 void decodeUtf8Blocks(const uint8_t* in, long& i, long inEnd, char16_t* out, long& o, long outEnd,
                       int level);
+
+inline int utf8BlockLevel() {
+#ifdef QNCL_SIMD_WIDE
+    if (simdLevel() == 2 && fastBitDeposit())
+        return 3;
+#endif
+    return simdLevel();
+}
 #endif
 
 // The fast form's inner loop: stretch by stretch, takes ASCII (a block at a time where it can)
@@ -359,7 +368,7 @@ inline void decodeUtf8Common(const uint8_t* in, long& inPos, long inEnd, char16_
     long i = inPos;
     long o = outPos;
 #ifdef QNCL_UTF8_DECODE_BLOCKS
-    decodeUtf8Blocks(in, i, inEnd, out, o, outEnd, simdLevel());
+    decodeUtf8Blocks(in, i, inEnd, out, o, outEnd, utf8BlockLevel());
 #endif
     for (;;) {
         // A sequence writes no more units than it has bytes, so below limit every sequence is
