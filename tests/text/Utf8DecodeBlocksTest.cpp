@@ -105,13 +105,13 @@ Bytes repeat(const char* utf8, size_t size) {
     return text;
 }
 
-// Text of each kind of chunk: two-byte only (with runs of ASCII longer than a block, too),
-// three-byte (dense enough for the dense steps, with the odd letter and two-byte form), four-byte,
-// all mixed.
+// Text of each kind of chunk: two-byte only (with runs of ASCII longer than a block, too; and
+// dense enough for the dense steps), three-byte (dense, with the odd letter and two-byte form),
+// four-byte, all mixed.
 const char* const SAMPLES[] = {
     "The quick brown fox jumps over the lazy dog; naïve. ",
     "Grüße aus Köln und Zürich; café crème. ",
-    "Съешь же ещё этих мягких французских булок, да выпей чаю. ",
+    "Съешь же ещё этих мягких французских булок, да выпей чаю Z. ",
     "我能吞下玻璃而不伤身体。东京都 Zé中文文本，字符集转换。",
     "😀😃😄 🚀 ok 👍🏽 🎉🎊 ❤️ 🌍. ",
     "aé中😀ß\xE0\x80\x80Ж字\xF4\x8F\xBF\xBF€ \xF1\x80\x80\x80",

@@ -12,8 +12,9 @@
 // those are and how far the chunk goes (planChunk): up to a last sequence that runs past its end,
 // or before the sequence holding its first fault. How much arithmetic a candidate needs depends on
 // the longest lead of the chunk and its recent neighbours (ChunkMode). Where bit deposit is fast,
-// chunks dense with three-byte sequences (Chinese, Japanese, Korean) are written by the dense
-// steps instead, which gather each sequence's bytes before they compute (writeDense).
+// chunks dense with two- or three-byte sequences (Russian, Greek; Chinese, Japanese, Korean) are
+// written by the dense steps instead, which gather each sequence's bytes before they compute
+// (DenseTable).
 //
 // What it leaves: a chunk with a fault goes as far as the steps can before it, then a sequence
 // at a time to its end (decodeFaultyChunk), which stops before a sequence that needs an
@@ -448,7 +449,7 @@ struct WideConstants {
     // The units.
     __m256i low6, payloads, weights, low10, threeLeads, fourLeads, continuations, highBase, lowBase;
     // The dense steps.
-    __m256i densePayloads, denseWeights, denseScale;
+    __m256i densePayloadsTwo, densePayloads, denseWeights, denseScale;
 };
 
 QNCL_AVX2_STEPS inline __m256i faultTableWide(const int8_t (&table)[16]) {
@@ -476,12 +477,9 @@ QNCL_AVX2_STEPS inline WideConstants wideConstants() {
             hidden(_mm256_set1_epi16(static_cast<short>(0xC000))),
             hidden(_mm256_set1_epi16(static_cast<short>(0xD7C0))),
             hidden(_mm256_set1_epi16(static_cast<short>(0xDC00))),
-            // A dense lane's bytes, last first: the payloads of the last byte (ASCII or a
-            // continuation: seven bits, the seventh clear in a continuation), the one before it
-            // (a continuation or a two-byte lead: six bits, the sixth clear in the lead) and a
-            // three-byte lead; weighed 1, 64 and 4096 by two multiply-adds.
-            hidden(_mm256_set1_epi32(0x000F3F7F)), hidden(_mm256_set1_epi32(0x00014001)),
-            hidden(_mm256_set1_epi32(0x10000001))};
+            // The payloads of a dense lane's bytes, last first (see writeDense).
+            hidden(_mm256_set1_epi16(0x3F7F)), hidden(_mm256_set1_epi32(0x000F3F7F)),
+            hidden(_mm256_set1_epi32(0x00014001)), hidden(_mm256_set1_epi32(0x10000001))};
 }
 
 // blockFaults over 32 bytes; before holds the 32 bytes ahead of them.
@@ -600,54 +598,57 @@ QNCL_AVX2_STEPS inline char16_t* writeChunkWide(const uint8_t* from, uint64_t ke
     return to;
 }
 
-// The dense steps, for chunks of Chinese, Japanese or Korean text, where two thirds of the
-// candidates above would be thrown away: the chunk's first twenty sequences go in five windows of
-// four, each window gathering its sequences' bytes into 32-bit lanes with one pshufb. Where a
-// window starts is where its first sequence does, found by bit deposit (one instruction, no
-// window waiting for the one before); its pshufb mask follows from the next twelve bits of the
-// chunk's starts. Only for clean chunks of sequences of up to three bytes, whose first twenty
-// sequences are whole and cover at least 48 bytes (with fewer, the plain steps write more per
-// chunk).
-constexpr long DENSE_SEQUENCES = 20;
-constexpr long DENSE_MIN_BYTES = 48;
-
+// The dense steps, for chunks of text where most sequences are two bytes long (Russian, Greek)
+// or three (Chinese, Japanese, Korean), and the candidate steps above would throw away half or two
+// thirds of their lanes. A window of up to twelve bytes holds six sequences of up to two bytes, or
+// four of up to three; the chunk's first five windows go, each gathering its sequences' bytes
+// into lanes of their own (16 or 32 bits) with one pshufb, last byte first. Where a window starts
+// is where its first sequence does, found by bit deposit (one instruction, no window waiting for
+// the one before); its pshufb mask follows from the next twelve bits of the chunk's starts. Only
+// for clean chunks whose first five windows' sequences are whole and cover enough bytes
+// (DenseTable::MIN_BYTES; with fewer, the candidate steps write more per chunk).
+//
 // By the bits after a window's first start (bit k: a sequence starts at byte k + 1), the row of
-// the lengths of its four sequences; by row, the pshufb mask that puts each sequence's bytes,
-// last first, at the bottom of its own 32-bit lane. Twelve bits always hold the four starts after
-// the first when no sequence is longer than three bytes.
-struct DenseTable {
+// the lengths of its sequences; by row, the pshufb mask that gathers them.
+template <int Longest> struct DenseTable {
+    static constexpr int PER_WINDOW = 12 / Longest;
+    static constexpr long SEQUENCES = 5 * PER_WINDOW;
+    static constexpr long MIN_BYTES = Longest == 2 ? 40 : 48;
+    static constexpr int LANE = Longest == 2 ? 2 : 4;
+    static constexpr int ROWS = Longest == 2 ? 64 : 81;
+
     uint8_t row[4096];
-    alignas(16) uint8_t shuffle[81][16];
+    alignas(16) uint8_t shuffle[ROWS][16];
 
     constexpr DenseTable() : row(), shuffle() {
-        for (int r = 0; r < 81; ++r) {
+        for (int r = 0; r < ROWS; ++r) {
             int at = 0;
-            for (int lane = 0, rest = r; lane < 4; ++lane, rest /= 3) {
-                const int length = rest % 3 + 1;
-                for (int k = 0; k < 4; ++k)
-                    shuffle[r][4 * lane + k] =
+            for (int lane = 0, rest = r; lane < 16 / LANE; ++lane, rest /= Longest) {
+                const int length = lane < PER_WINDOW ? rest % Longest + 1 : 0;
+                for (int k = 0; k < LANE; ++k)
+                    shuffle[r][LANE * lane + k] =
                         static_cast<uint8_t>(k < length ? at + length - 1 - k : 0x80);
                 at += length;
             }
         }
         for (int bits = 0; bits < 4096; ++bits) {
             int r = 0, weight = 1, last = 0, found = 0;
-            for (int k = 0; k < 12 && found < 4; ++k)
+            for (int k = 0; k < 12 && found < PER_WINDOW; ++k)
                 if ((bits >> k) & 1) {
                     const int length = k + 1 - last;
-                    if (length > 3)
+                    if (length > Longest)
                         break;
                     r += (length - 1) * weight;
-                    weight *= 3;
+                    weight *= Longest;
                     last = k + 1;
                     ++found;
                 }
-            row[bits] = static_cast<uint8_t>(found == 4 ? r : 0);
+            row[bits] = static_cast<uint8_t>(found == PER_WINDOW ? r : 0);
         }
     }
 };
 
-constexpr DenseTable DENSE{};
+template <int Longest> constexpr DenseTable<Longest> DENSE{};
 
 // Bit deposit, written out: the 256-bit steps are not compiled for BMI2, and the dense steps run
 // only where the processor has it (fastBitDeposit).
@@ -658,47 +659,91 @@ inline uint64_t depositBits(uint64_t source, uint64_t mask) {
 }
 
 // Where start k (from 0) of starts is; there must be one.
-inline long startAt(uint64_t starts, int k) {
+inline long startAt(uint64_t starts, long k) {
     return __builtin_ctzll(depositBits(uint64_t{1} << k, starts));
 }
 
-QNCL_AVX2_STEPS QNCL_INLINE __m128i denseShuffle(uint64_t starts, long at) {
+// The dense steps' pshufb masks for two windows, the second in the high half.
+template <int Longest>
+QNCL_AVX2_STEPS QNCL_INLINE __m128i denseShuffle(const DenseTable<Longest>& table, uint64_t starts,
+                                                 long at) {
     return _mm_load_si128(
-        reinterpret_cast<const __m128i*>(DENSE.shuffle[DENSE.row[(starts >> (at + 1)) & 0xFFF]]));
+        reinterpret_cast<const __m128i*>(table.shuffle[table.row[(starts >> (at + 1)) & 0xFFF]]));
 }
 
-// The units of the first twenty sequences of a chunk (see DENSE_SEQUENCES).
+// Two windows' bytes, gathered (the second window in the high half).
+template <int Longest>
+QNCL_AVX2_STEPS QNCL_INLINE __m256i gatherWindows(const DenseTable<Longest>& table,
+                                                  const uint8_t* from, uint64_t starts, long at0,
+                                                  long at1) {
+    const __m256i bytes = _mm256_inserti128_si256(
+        _mm256_castsi128_si256(_mm_loadu_si128(reinterpret_cast<const __m128i*>(from + at0))),
+        _mm_loadu_si128(reinterpret_cast<const __m128i*>(from + at1)), 1);
+    return _mm256_shuffle_epi8(
+        bytes, _mm256_inserti128_si256(_mm256_castsi128_si256(denseShuffle(table, starts, at0)),
+                                       denseShuffle(table, starts, at1), 1));
+}
+
+// The units of a chunk's first DenseTable<Longest>::SEQUENCES sequences. A 16-bit lane (two-byte
+// text) holds its last byte and the lead; their payloads (seven bits of ASCII or six of a
+// continuation, the seventh clear; five of a two-byte lead, the sixth clear) weighed 1 and 64 by
+// one multiply-add make the unit. A 32-bit lane (three-byte text) has a three-byte lead's four
+// bits third, weighed 4096 by a second multiply-add; its units are packed from 32 to 16 bits.
+template <int Longest>
 QNCL_AVX2_STEPS QNCL_INLINE char16_t* writeDense(const uint8_t* from, uint64_t starts, char16_t* to,
                                                  const WideConstants& c) {
-    const long at[5] = {0, startAt(starts, 4), startAt(starts, 8), startAt(starts, 12),
-                        startAt(starts, 16)};
+    constexpr const DenseTable<Longest>& table = DENSE<Longest>;
+    constexpr long n = DenseTable<Longest>::PER_WINDOW;
+    const long at[5] = {0, startAt(starts, n), startAt(starts, 2 * n), startAt(starts, 3 * n),
+                        startAt(starts, 4 * n)};
     for (int w = 0; w < 4; w += 2) {
-        const __m256i bytes = _mm256_inserti128_si256(
-            _mm256_castsi128_si256(_mm_loadu_si128(reinterpret_cast<const __m128i*>(from + at[w]))),
-            _mm_loadu_si128(reinterpret_cast<const __m128i*>(from + at[w + 1])), 1);
-        const __m256i shuffle =
-            _mm256_inserti128_si256(_mm256_castsi128_si256(denseShuffle(starts, at[w])),
-                                    denseShuffle(starts, at[w + 1]), 1);
-        const __m256i lanes =
-            _mm256_and_si256(_mm256_shuffle_epi8(bytes, shuffle), c.densePayloads);
-        const __m256i values =
-            _mm256_madd_epi16(_mm256_maddubs_epi16(lanes, c.denseWeights), c.denseScale);
-        // Each half's four units, packed twice over; the first copies of both halves, together.
-        const __m256i units = _mm256_permute4x64_epi64(_mm256_packus_epi32(values, values), 0x08);
-        _mm_storeu_si128(reinterpret_cast<__m128i*>(to + 4 * w), _mm256_castsi256_si128(units));
+        const __m256i lanes = _mm256_and_si256(gatherWindows(table, from, starts, at[w], at[w + 1]),
+                                               Longest == 2 ? c.densePayloadsTwo : c.densePayloads);
+        const __m256i units =
+            _mm256_maddubs_epi16(lanes, Longest == 2 ? c.weights : c.denseWeights);
+        if constexpr (Longest == 2) {
+            _mm_storeu_si128(reinterpret_cast<__m128i*>(to + n * w), _mm256_castsi256_si128(units));
+            _mm_storeu_si128(reinterpret_cast<__m128i*>(to + n * (w + 1)),
+                             _mm256_extracti128_si256(units, 1));
+        } else {
+            const __m256i values = _mm256_madd_epi16(units, c.denseScale);
+            // Each half's four units, packed twice over; the first copies of both halves together.
+            _mm_storeu_si128(reinterpret_cast<__m128i*>(to + n * w),
+                             _mm256_castsi256_si128(_mm256_permute4x64_epi64(
+                                 _mm256_packus_epi32(values, values), 0x08)));
+        }
     }
+    // The fifth window alone.
     const __m128i lanes = _mm_and_si128(
         _mm_shuffle_epi8(_mm_loadu_si128(reinterpret_cast<const __m128i*>(from + at[4])),
-                         denseShuffle(starts, at[4])),
-        _mm256_castsi256_si128(c.densePayloads));
-    const __m128i values =
-        _mm_madd_epi16(_mm_maddubs_epi16(lanes, _mm256_castsi256_si128(c.denseWeights)),
-                       _mm256_castsi256_si128(c.denseScale));
-    _mm_storel_epi64(reinterpret_cast<__m128i*>(to + 16), _mm_packus_epi32(values, values));
-    return to + DENSE_SEQUENCES;
+                         denseShuffle(table, starts, at[4])),
+        _mm256_castsi256_si128(Longest == 2 ? c.densePayloadsTwo : c.densePayloads));
+    const __m128i units =
+        _mm_maddubs_epi16(lanes, _mm256_castsi256_si128(Longest == 2 ? c.weights : c.denseWeights));
+    if constexpr (Longest == 2) {
+        _mm_storeu_si128(reinterpret_cast<__m128i*>(to + 4 * n), units);
+    } else {
+        const __m128i values = _mm_madd_epi16(units, _mm256_castsi256_si128(c.denseScale));
+        _mm_storel_epi64(reinterpret_cast<__m128i*>(to + 4 * n), _mm_packus_epi32(values, values));
+    }
+    return to + DenseTable<Longest>::SEQUENCES;
 }
 
-// Dense: with the dense steps (see DENSE_SEQUENCES).
+// The dense steps for a chunk whose masks say it is clean: true when they took it (writing
+// from to and moving to on, and saying in plan how far they went).
+template <int Longest>
+QNCL_AVX2_STEPS QNCL_INLINE bool takeDense(const uint8_t* from, const ChunkMasks& masks,
+                                           char16_t*& to, ChunkPlan& plan, const WideConstants& c) {
+    // The start after the dense steps' sequences, if the chunk has one.
+    const uint64_t last = depositBits(uint64_t{1} << DenseTable<Longest>::SEQUENCES, masks.starts);
+    if (masks.usable < CHUNK || last < uint64_t{1} << DenseTable<Longest>::MIN_BYTES)
+        return false;
+    plan.taken = __builtin_ctzll(last);
+    to = writeDense<Longest>(from, masks.starts, to, c);
+    return true;
+}
+
+// Dense: with the dense steps (see DenseTable).
 template <bool Dense>
 QNCL_AVX2_STEPS void decodeBlocksWide(const uint8_t* in, long& inPos, long inEnd, char16_t* out,
                                       long& outPos, long outEnd) {
@@ -723,21 +768,15 @@ QNCL_AVX2_STEPS void decodeBlocksWide(const uint8_t* in, long& inPos, long inEnd
             _mm256_castsi256_si128(constants.past3), _mm256_castsi256_si128(constants.past4)))) {
         case TWO:
             masks = leadMasksWide<false>(v, constants);
+            if (Dense && takeDense<2>(from, masks, to, plan, constants))
+                break;
             plan = planChunk(from, masks, 0);
             to = writeChunkWide<TWO>(from, plan.keep, to, constants);
             break;
         case THREE:
             masks = leadMasksWide<true>(v, constants);
-            if constexpr (Dense) {
-                // The 21st start, if the chunk has one; the dense steps take the sequences
-                // before it.
-                const uint64_t last = depositBits(uint64_t{1} << DENSE_SEQUENCES, masks.starts);
-                if (masks.usable == CHUNK && last >= uint64_t{1} << DENSE_MIN_BYTES) {
-                    plan.taken = __builtin_ctzll(last);
-                    to = writeDense(from, masks.starts, to, constants);
-                    break;
-                }
-            }
+            if (Dense && takeDense<3>(from, masks, to, plan, constants))
+                break;
             plan = planChunk(from, masks, 0);
             to = writeChunkWide<THREE>(from, plan.keep, to, constants);
             break;
