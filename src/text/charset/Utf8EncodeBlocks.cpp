@@ -28,13 +28,13 @@
 // two-byte lanes when all below U+0800, else as 32-bit lanes whose bytes end at the lane's
 // third byte: an ASCII unit keeps only that byte, a two-byte unit the last two, a three-byte
 // unit all three. A pair's high surrogate keeps the first three of the pair's four bytes (its
-// lane reads the unit after it, also across blocks, so a pair may straddle two steps) and its
-// low one the last, its third byte. That takes fewer operations than the eight-unit lanes,
-// where a low surrogate's lane needs bits of the unit before it. A pair left straddling when the
-// wide steps stop goes again whole after them. The lanes' class bits are shuffled before their
-// movemask so that it gives the offsets of the shuffle rows as they are, and each row holds the
-// number of bytes it keeps: between the mask and the loads there are only the moves that split
-// it in two.
+// lane reads the unit after it) and its low one the last, its third byte. That takes fewer
+// operations than the eight-unit lanes, where a low surrogate's lane needs bits of the unit
+// before it. A high surrogate in the last lane is left to the next step, which then begins
+// fifteen units on: a pair never straddles two steps. The lanes' class bits are shuffled before
+// their movemask so that it gives the offsets of the shuffle rows as they are, and each row
+// holds the number of bytes it keeps: between the mask and the loads there are only the moves
+// that split it in two.
 //
 // A step stores whole sixteen byte vectors: the bytes past the units it took are scratch the
 // next step (or the caller's next write) overwrites; nothing is stored at or past outEnd.
@@ -274,7 +274,7 @@ struct WideConstants {
         : nonAscii(hiddenLanes(0xFF80)), notBelow(hiddenLanes(0xF800)), bits6(hiddenLanes(0x3F)),
           byte80(hiddenLanes(0x80)), highTag(hiddenLanes(0xD800)),
           surrogateMask(hiddenLanes(0xFC00)), plane(hiddenLanes(0x40)),
-          threeLead(hiddenLanes(0x80E0)), twoLead(hiddenLanes(0xC0E0)), fourLead(hiddenLanes(0x80F8)),
+          threeLead(hiddenLanes(0x80E0)), twoLead(hiddenLanes(0xC0E0)), fourLead(hiddenLanes(0x0018)),
           mid(hiddenLanes(0x3F00)), twoBytes(hiddenLanes(0x80C0)), lowBits(hiddenLanes(0xF)),
           twoSpread(hiddenShuffle(TWO_SPREAD)), quadEven(hiddenShuffle(QUAD_EVEN_SPREAD)),
           quadOdd(hiddenShuffle(QUAD_ODD_SPREAD)) {}
@@ -324,10 +324,6 @@ QNCL_AVX2 __attribute__((noinline)) Positions encodeWideRun(const char16_t* in, 
     const WideConstants c;
     const char16_t* from = in + i;
     const char16_t* const last = in + end - 32;
-    // 3 (the movemask bits of the first lane) while the last step took a high surrogate as its
-    // last unit, else 0. Its low one begins the next block: checked when the high one was taken,
-    // so that block goes to the surrogate step, whatever else it holds.
-    uint32_t carry = 0;
     while (from <= last) {
         const __m256i units = _mm256_loadu_si256(reinterpret_cast<const __m256i*>(from));
         const __m256i ascii = _mm256_cmpeq_epi16(_mm256_and_si256(units, c.nonAscii), zero);
@@ -388,20 +384,18 @@ QNCL_AVX2 __attribute__((noinline)) Positions encodeWideRun(const char16_t* in, 
         }
         const __m256i high = _mm256_cmpeq_epi16(_mm256_and_si256(units, c.surrogateMask), c.highTag);
         const __m256i low = _mm256_andnot_si256(high, surrogate);
-        // Every low surrogate right after a high one (the first after the last step's), and
-        // every high one right before a low one: the last one's low one is the next block's
-        // first unit.
+        // Every low surrogate right after a high one, and every high one right before a low
+        // one but in the last lane: that one is left to the next step (testing the unit after
+        // it instead would be a branch as random as the text).
         const uint32_t highBits = static_cast<uint32_t>(_mm256_movemask_epi8(high));
-        if (static_cast<uint32_t>(_mm256_movemask_epi8(low)) != ((highBits << 2) | carry))
+        if (static_cast<uint32_t>(_mm256_movemask_epi8(low)) != highBits << 2)
             break;
-        const uint32_t nextCarry = highBits >> 30;
-        if (nextCarry != 0 && (from[16] & 0xFC00u) != 0xDC00u)
-            break;
-        carry = nextCarry;
+        // -1 when the last lane is high, else 0.
+        const long straddling = static_cast<int32_t>(highBits) >> 31;
         // A high surrogate h gets the first three of its pair's four bytes: 0xF0 | cp >> 18
         // and 0x80 | (cp >> 12 & 0x3F) come from h + 0x40, which holds cp >> 10, moved up
         // four bits and put through the three-byte lead (0xE8-0xEC, turned to 0xF0-0xF4 by
-        // other lead bits); 0x80 | (h & 3) << 4 | (l >> 6 & 0xF) is the trail byte of that,
+        // two more lead bits); 0x80 | (h & 3) << 4 | (l >> 6 & 0xF) is the trail byte of that,
         // with the bits of its low one l in the four bits the move left free. The low one keeps
         // only 0x80 | (l & 0x3F), its trail byte as a three-byte unit's.
         const __m256i next = _mm256_loadu_si256(reinterpret_cast<const __m256i*>(from + 1));
@@ -414,13 +408,13 @@ QNCL_AVX2 __attribute__((noinline)) Positions encodeWideRun(const char16_t* in, 
         const __m256i first = _mm256_xor_si256(
             _mm256_or_si256(_mm256_srli_epi16(lead, 12),
                             _mm256_and_si256(_mm256_slli_epi16(lead, 2), c.mid)),
-            _mm256_blendv_epi8(leadBits, c.fourLead, high));
-        // A low surrogate keeps one byte as an ASCII unit does.
-        o = storeQuads(first, trail, _mm256_or_si256(ascii, low), below, c, out, o);
-        from += 16;
+            _mm256_or_si256(leadBits, _mm256_and_si256(high, c.fourLead)));
+        // A low surrogate keeps one byte as an ASCII unit does. A high one in the last lane
+        // read the unit after it: its three bytes become scratch.
+        o = storeQuads(first, trail, _mm256_or_si256(ascii, low), below, c, out, o) + 3 * straddling;
+        from += 16 + straddling;
     }
-    // A pair split between the last step and the next goes again whole after the run.
-    return {from - in - static_cast<long>(carry >> 1), o - static_cast<long>(carry)};
+    return {from - in, o};
 }
 #endif
 
