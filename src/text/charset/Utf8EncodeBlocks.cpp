@@ -88,43 +88,6 @@ struct EncodeShuffles {
 
 constexpr EncodeShuffles SHUFFLES{};
 
-// The rows of the wide steps: a shuffle and the number of bytes it keeps, at an offset the
-// lanes' class bits give as they come out of a movemask, already shifted into place.
-// quad: four 32-bit lanes whose bytes end at the third; lane k keeps one byte when bit 2k of the
-// row's number is set, two when only bit 2k + 1 is, else three. That is twelve bytes at most, so
-// the count is the row's last byte (the shuffle makes scratch of it).
-// two: eight 16-bit lanes, lane k keeping its first byte when bit k is set, else both; the count
-// is byte 16 of the row.
-struct WideRows {
-    alignas(64) uint8_t quad[256][16];
-    alignas(64) uint8_t two[256][32];
-
-    constexpr WideRows() : quad(), two() {
-        for (int m = 0; m < 256; ++m) {
-            int n = 0;
-            for (int k = 0; k < 4; ++k) {
-                const int kept = (m >> (2 * k)) & 1 ? 1 : (m >> (2 * k + 1)) & 1 ? 2 : 3;
-                for (int b = 3 - kept; b < 3; ++b)
-                    quad[m][n++] = static_cast<uint8_t>(4 * k + b);
-            }
-            quad[m][15] = static_cast<uint8_t>(n);
-            for (; n < 15; ++n)
-                quad[m][n] = 0x80;
-            n = 0;
-            for (int k = 0; k < 8; ++k) {
-                two[m][n++] = static_cast<uint8_t>(2 * k);
-                if (!((m >> k) & 1))
-                    two[m][n++] = static_cast<uint8_t>(2 * k + 1);
-            }
-            two[m][16] = static_cast<uint8_t>(n);
-            for (; n < 16; ++n)
-                two[m][n] = 0x80;
-        }
-    }
-};
-
-constexpr WideRows WIDE_ROWS{};
-
 QNCL_SSE41 inline __m128i load(const void* from) {
     return _mm_loadu_si128(static_cast<const __m128i*>(from));
 }
@@ -244,6 +207,43 @@ struct Positions {
 };
 
 #ifdef QNCL_SIMD_WIDE
+// The rows of the wide steps: a shuffle and the number of bytes it keeps, at an offset the
+// lanes' class bits give as they come out of a movemask, already shifted into place.
+// quad: four 32-bit lanes whose bytes end at the third; lane k keeps one byte when bit 2k of the
+// row's number is set, two when only bit 2k + 1 is, else three. That is twelve bytes at most, so
+// the count is the row's last byte (the shuffle makes scratch of it).
+// two: eight 16-bit lanes, lane k keeping its first byte when bit k is set, else both; the count
+// is byte 16 of the row.
+struct WideRows {
+    alignas(64) uint8_t quad[256][16];
+    alignas(64) uint8_t two[256][32];
+
+    constexpr WideRows() : quad(), two() {
+        for (int m = 0; m < 256; ++m) {
+            int n = 0;
+            for (int k = 0; k < 4; ++k) {
+                const int kept = (m >> (2 * k)) & 1 ? 1 : (m >> (2 * k + 1)) & 1 ? 2 : 3;
+                for (int b = 3 - kept; b < 3; ++b)
+                    quad[m][n++] = static_cast<uint8_t>(4 * k + b);
+            }
+            quad[m][15] = static_cast<uint8_t>(n);
+            for (; n < 15; ++n)
+                quad[m][n] = 0x80;
+            n = 0;
+            for (int k = 0; k < 8; ++k) {
+                two[m][n++] = static_cast<uint8_t>(2 * k);
+                if (!((m >> k) & 1))
+                    two[m][n++] = static_cast<uint8_t>(2 * k + 1);
+            }
+            two[m][16] = static_cast<uint8_t>(n);
+            for (; n < 16; ++n)
+                two[m][n] = 0x80;
+        }
+    }
+};
+
+constexpr WideRows WIDE_ROWS{};
+
 // value in every 16-bit lane, hidden (see SimdLevel.h).
 QNCL_AVX2 inline __m256i hiddenLanes(int value) {
     return hidden(_mm256_set1_epi16(static_cast<short>(value)));
@@ -267,15 +267,15 @@ constexpr int8_t QUAD_ODD_SPREAD[16] = {-1, -1, -1, -1, 4, 12, 5, 13, 6, 14, 7, 
 // which would otherwise build each anew in the loop from a general register (three
 // instructions) where a register or a load from the stack takes none or one.
 struct WideConstants {
-    __m256i nonAscii, notBelow, bits6, byte80, highTag, surrogateMask, plane, threeLead, twoLead,
-        fourLead, mid, twoBytes, lowBits, twoSpread, quadEven, quadOdd;
+    __m256i nonAscii, notBelow, bits6, byte80, highTag, surrogateMask, pairBase, threeLead, twoLead,
+        fourLead, mid, twoBytes, twoSpread, quadEven, quadOdd;
 
     QNCL_AVX2 WideConstants()
         : nonAscii(hiddenLanes(0xFF80)), notBelow(hiddenLanes(0xF800)), bits6(hiddenLanes(0x3F)),
           byte80(hiddenLanes(0x80)), highTag(hiddenLanes(0xD800)),
-          surrogateMask(hiddenLanes(0xFC00)), plane(hiddenLanes(0x40)),
-          threeLead(hiddenLanes(0x80E0)), twoLead(hiddenLanes(0xC0E0)), fourLead(hiddenLanes(0x0018)),
-          mid(hiddenLanes(0x3F00)), twoBytes(hiddenLanes(0x80C0)), lowBits(hiddenLanes(0xF)),
+          surrogateMask(hiddenLanes(0xFC00)), pairBase(hiddenLanes(0x90)),
+          threeLead(hiddenLanes(0x80E0)), twoLead(hiddenLanes(0xC0E0)),
+          fourLead(hiddenLanes(0x0018)), mid(hiddenLanes(0x3F00)), twoBytes(hiddenLanes(0x80C0)),
           twoSpread(hiddenShuffle(TWO_SPREAD)), quadEven(hiddenShuffle(QUAD_EVEN_SPREAD)),
           quadOdd(hiddenShuffle(QUAD_ODD_SPREAD)) {}
 };
@@ -382,7 +382,8 @@ QNCL_AVX2 __attribute__((noinline)) Positions encodeWideRun(const char16_t* in, 
             from += 16;
             continue;
         }
-        const __m256i high = _mm256_cmpeq_epi16(_mm256_and_si256(units, c.surrogateMask), c.highTag);
+        const __m256i high =
+            _mm256_cmpeq_epi16(_mm256_and_si256(units, c.surrogateMask), c.highTag);
         const __m256i low = _mm256_andnot_si256(high, surrogate);
         // Every low surrogate right after a high one, and every high one right before a low
         // one but in the last lane: that one is left to the next step (testing the unit after
@@ -396,22 +397,23 @@ QNCL_AVX2 __attribute__((noinline)) Positions encodeWideRun(const char16_t* in, 
         // and 0x80 | (cp >> 12 & 0x3F) come from h + 0x40, which holds cp >> 10, moved up
         // four bits and put through the three-byte lead (0xE8-0xEC, turned to 0xF0-0xF4 by
         // two more lead bits); 0x80 | (h & 3) << 4 | (l >> 6 & 0xF) is the trail byte of that,
-        // with the bits of its low one l in the four bits the move left free. The low one keeps
-        // only 0x80 | (l & 0x3F), its trail byte as a three-byte unit's.
+        // with the bits of its low one l in the four bits the move left free: l >> 6 is
+        // 0x370-0x37F, so (h << 4) + (l >> 6) + 0x90 is the lot. The low one keeps only
+        // 0x80 | (l & 0x3F), its trail byte as a three-byte unit's.
         const __m256i next = _mm256_loadu_si256(reinterpret_cast<const __m256i*>(from + 1));
-        const __m256i pair =
-            _mm256_or_si256(_mm256_slli_epi16(_mm256_add_epi16(units, c.plane), 4),
-                            _mm256_and_si256(_mm256_srli_epi16(next, 6), c.lowBits));
+        const __m256i pair = _mm256_add_epi16(
+            _mm256_add_epi16(_mm256_slli_epi16(units, 4), _mm256_srli_epi16(next, 6)), c.pairBase);
         const __m256i lead = _mm256_blendv_epi8(units, pair, high);
         const __m256i trail =
             _mm256_min_epu16(units, _mm256_or_si256(_mm256_and_si256(lead, c.bits6), c.byte80));
-        const __m256i first = _mm256_xor_si256(
-            _mm256_or_si256(_mm256_srli_epi16(lead, 12),
-                            _mm256_and_si256(_mm256_slli_epi16(lead, 2), c.mid)),
-            _mm256_or_si256(leadBits, _mm256_and_si256(high, c.fourLead)));
+        const __m256i first =
+            _mm256_xor_si256(_mm256_or_si256(_mm256_srli_epi16(lead, 12),
+                                             _mm256_and_si256(_mm256_slli_epi16(lead, 2), c.mid)),
+                             _mm256_or_si256(leadBits, _mm256_and_si256(high, c.fourLead)));
         // A low surrogate keeps one byte as an ASCII unit does. A high one in the last lane
         // read the unit after it: its three bytes become scratch.
-        o = storeQuads(first, trail, _mm256_or_si256(ascii, low), below, c, out, o) + 3 * straddling;
+        o = storeQuads(first, trail, _mm256_or_si256(ascii, low), below, c, out, o) +
+            3 * straddling;
         from += 16 + straddling;
     }
     return {from - in, o};
