@@ -324,6 +324,10 @@ QNCL_AVX2 __attribute__((noinline)) Positions encodeWideRun(const char16_t* in, 
     const WideConstants c;
     const char16_t* from = in + i;
     const char16_t* const last = in + end - 32;
+    // 3 (the movemask bits of a lane) while the last step took a high surrogate as its last
+    // unit, else 0. Its low one begins the next block (checked), which so goes to the surrogate
+    // step, whatever else it holds.
+    uint32_t carry = 0;
     while (from <= last) {
         const __m256i units = _mm256_loadu_si256(reinterpret_cast<const __m256i*>(from));
         const __m256i ascii = _mm256_cmpeq_epi16(_mm256_and_si256(units, c.nonAscii), zero);
@@ -385,14 +389,17 @@ QNCL_AVX2 __attribute__((noinline)) Positions encodeWideRun(const char16_t* in, 
         const __m256i high =
             _mm256_cmpeq_epi16(_mm256_and_si256(units, c.surrogateMask), c.highTag);
         const __m256i low = _mm256_andnot_si256(high, surrogate);
-        // Every low surrogate right after a high one, and every high one right before a low
-        // one but in the last lane: that one is left to the next step (testing the unit after
-        // it instead would be a branch as random as the text).
+        // Every low surrogate right after a high one (the first after the last step's), and
+        // every high one right before a low one, the last one's being the unit after the block:
+        // one test, as a branch on that unit alone would be as random as the text. Taking only
+        // fifteen units when the last is high would be no branch either, but the next load
+        // would wait for this block's mask.
         const uint32_t highBits = static_cast<uint32_t>(_mm256_movemask_epi8(high));
-        if (static_cast<uint32_t>(_mm256_movemask_epi8(low)) != highBits << 2)
+        const uint64_t nextLow = (from[16] & 0xFC00u) == 0xDC00u ? 3 : 0;
+        if ((static_cast<uint32_t>(_mm256_movemask_epi8(low)) | nextLow << 32) !=
+            ((static_cast<uint64_t>(highBits) << 2) | carry))
             break;
-        // -1 when the last lane is high, else 0.
-        const long straddling = static_cast<int32_t>(highBits) >> 31;
+        carry = highBits >> 30;
         // A high surrogate h gets the first three of its pair's four bytes: 0xF0 | cp >> 18
         // and 0x80 | (cp >> 12 & 0x3F) come from h + 0x40, which holds cp >> 10, moved up
         // four bits and put through the three-byte lead (0xE8-0xEC, turned to 0xF0-0xF4 by
@@ -410,13 +417,12 @@ QNCL_AVX2 __attribute__((noinline)) Positions encodeWideRun(const char16_t* in, 
             _mm256_xor_si256(_mm256_or_si256(_mm256_srli_epi16(lead, 12),
                                              _mm256_and_si256(_mm256_slli_epi16(lead, 2), c.mid)),
                              _mm256_or_si256(leadBits, _mm256_and_si256(high, c.fourLead)));
-        // A low surrogate keeps one byte as an ASCII unit does. A high one in the last lane
-        // read the unit after it: its three bytes become scratch.
-        o = storeQuads(first, trail, _mm256_or_si256(ascii, low), below, c, out, o) +
-            3 * straddling;
-        from += 16 + straddling;
+        // A low surrogate keeps one byte as an ASCII unit does.
+        o = storeQuads(first, trail, _mm256_or_si256(ascii, low), below, c, out, o);
+        from += 16;
     }
-    return {from - in, o};
+    // A pair split between the last step and the next goes again whole after the run.
+    return {from - in - static_cast<long>(carry >> 1), o - static_cast<long>(carry)};
 }
 #endif
 
