@@ -375,7 +375,8 @@ QNCL_AVX2 __attribute__((noinline)) Positions encodeWideRun(const char16_t* in, 
         // unit's are not used). Its b2 0x80 | (unit & 0x3F) is above an ASCII unit and
         // below any other: the smaller of the two is an ASCII unit's one byte.
         const __m256i leadBits = _mm256_blendv_epi8(c.threeLead, c.twoLead, below);
-        if (_mm256_testz_si256(surrogate, surrogate)) {
+        const uint32_t surrogateBits = static_cast<uint32_t>(_mm256_movemask_epi8(surrogate));
+        if (surrogateBits == 0) {
             const __m256i trail = _mm256_min_epu16(
                 units, _mm256_or_si256(_mm256_and_si256(units, c.bits6), c.byte80));
             const __m256i first = _mm256_xor_si256(
@@ -396,7 +397,7 @@ QNCL_AVX2 __attribute__((noinline)) Positions encodeWideRun(const char16_t* in, 
         // would wait for this block's mask.
         const uint32_t highBits = static_cast<uint32_t>(_mm256_movemask_epi8(high));
         const uint64_t nextLow = (from[16] & 0xFC00u) == 0xDC00u ? 3 : 0;
-        if ((static_cast<uint32_t>(_mm256_movemask_epi8(low)) | nextLow << 32) !=
+        if (((surrogateBits ^ highBits) | nextLow << 32) !=
             ((static_cast<uint64_t>(highBits) << 2) | carry))
             break;
         carry = highBits >> 30;
