@@ -28,13 +28,13 @@
 // two-byte lanes when all below U+0800, else as 32-bit lanes whose bytes end at the lane's
 // third byte: an ASCII unit keeps only that byte, a two-byte unit the last two, a three-byte
 // unit all three. A pair's high surrogate keeps the first three of the pair's four bytes (its
-// lane reads the unit after it) and its low one the last, its third byte. That takes fewer
-// operations than the eight-unit lanes, where a low surrogate's lane needs bits of the unit
-// before it. A high surrogate in the last lane is left to the next step, which then begins
-// fifteen units on: a pair never straddles two steps. The lanes' class bits are shuffled before
-// their movemask so that it gives the offsets of the shuffle rows as they are, and each row
-// holds the number of bytes it keeps: between the mask and the loads there are only the moves
-// that split it in two.
+// lane reads the unit after it, also across blocks, so a pair may straddle two steps) and its
+// low one the last, its third byte. That takes fewer operations than the eight-unit lanes,
+// where a low surrogate's lane needs bits of the unit before it. A pair left straddling when the
+// wide steps stop goes again whole after them. The lanes' class bits are shuffled before their
+// movemask so that it gives the offsets of the shuffle rows as they are, and each row holds the
+// number of bytes it keeps: between the mask and the loads there are only the moves that split
+// it in two.
 //
 // A step stores whole sixteen byte vectors: the bytes past the units it took are scratch the
 // next step (or the caller's next write) overwrites; nothing is stored at or past outEnd.
@@ -372,8 +372,8 @@ QNCL_AVX2 __attribute__((noinline)) Positions encodeWideRun(const char16_t* in, 
         // Each lane's bytes end at its third: b0 and b1 in first, b2 in trail (see the top of
         // the file). b0 = 0xE0 | lead >> 12 and b1 = 0x80 | (lead >> 6 & 0x3F), as for a
         // three-byte unit, with a two-byte unit's b1 its lead 0xC0 | unit >> 6 (an ASCII
-        // unit's are not used). Its b2 0x80 | (unit & 0x3F) is above an ASCII unit and
-        // below any other: the smaller of the two is an ASCII unit's one byte.
+        // unit's are not used). Its b2 0x80 | (unit & 0x3F) is above an ASCII unit and not
+        // above any other: the smaller of the two is also an ASCII unit's one byte.
         const __m256i leadBits = _mm256_blendv_epi8(c.threeLead, c.twoLead, below);
         const uint32_t surrogateBits = static_cast<uint32_t>(_mm256_movemask_epi8(surrogate));
         if (surrogateBits == 0) {
