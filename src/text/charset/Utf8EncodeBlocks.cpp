@@ -31,7 +31,10 @@
 // lane reads the unit after it, also across blocks, so a pair may straddle two steps) and its
 // low one the last, its third byte. That takes fewer operations than the eight-unit lanes,
 // where a low surrogate's lane needs bits of the unit before it. A pair left straddling when the
-// wide steps stop goes again whole after them.
+// wide steps stop goes again whole after them. The lanes' class bits are shuffled before their
+// movemask so that it gives the offsets of the shuffle rows as they are, and each row holds the
+// number of bytes it keeps: between the mask and the loads there are only the moves that split
+// it in two.
 //
 // A step stores whole sixteen byte vectors: the bytes past the units it took are scratch the
 // next step (or the caller's next write) overwrites; nothing is stored at or past outEnd.
@@ -84,29 +87,6 @@ struct EncodeShuffles {
 };
 
 constexpr EncodeShuffles SHUFFLES{};
-
-// The shuffles of the wide steps: four 32-bit lanes whose bytes end at the third, lane k keeping
-// 1 + bit k of m bytes when bit (k + 4) is set, else three (both bits set is not used).
-struct SuffixShuffles {
-    alignas(16) uint8_t shuffle[256][16];
-    uint8_t length[256];
-
-    constexpr SuffixShuffles() : shuffle(), length() {
-        for (int m = 0; m < 256; ++m) {
-            int n = 0;
-            for (int k = 0; k < 4; ++k) {
-                const int kept = (m >> (k + 4)) & 1 ? 1 + ((m >> k) & 1) : 3;
-                for (int b = 3 - kept; b < 3; ++b)
-                    shuffle[m][n++] = static_cast<uint8_t>(4 * k + b);
-            }
-            length[m] = static_cast<uint8_t>(n);
-            for (; n < 16; ++n)
-                shuffle[m][n] = 0x80;
-        }
-    }
-};
-
-constexpr SuffixShuffles SUFFIXES{};
 
 QNCL_SSE41 inline __m128i load(const void* from) {
     return _mm_loadu_si128(static_cast<const __m128i*>(from));
@@ -227,158 +207,223 @@ struct Positions {
 };
 
 #ifdef QNCL_SIMD_WIDE
+// The rows of the wide steps: a shuffle and the number of bytes it keeps, at an offset the
+// lanes' class bits give as they come out of a movemask, already shifted into place.
+// quad: four 32-bit lanes whose bytes end at the third; lane k keeps one byte when bit 2k of the
+// row's number is set, two when only bit 2k + 1 is, else three. That is twelve bytes at most, so
+// the count is the row's last byte (the shuffle makes scratch of it).
+// two: eight 16-bit lanes, lane k keeping its first byte when bit k is set, else both; the count
+// is byte 16 of the row.
+struct WideRows {
+    alignas(64) uint8_t quad[256][16];
+    alignas(64) uint8_t two[256][32];
+
+    constexpr WideRows() : quad(), two() {
+        for (int m = 0; m < 256; ++m) {
+            int n = 0;
+            for (int k = 0; k < 4; ++k) {
+                const int kept = (m >> (2 * k)) & 1 ? 1 : (m >> (2 * k + 1)) & 1 ? 2 : 3;
+                for (int b = 3 - kept; b < 3; ++b)
+                    quad[m][n++] = static_cast<uint8_t>(4 * k + b);
+            }
+            quad[m][15] = static_cast<uint8_t>(n);
+            for (; n < 15; ++n)
+                quad[m][n] = 0x80;
+            n = 0;
+            for (int k = 0; k < 8; ++k) {
+                two[m][n++] = static_cast<uint8_t>(2 * k);
+                if (!((m >> k) & 1))
+                    two[m][n++] = static_cast<uint8_t>(2 * k + 1);
+            }
+            two[m][16] = static_cast<uint8_t>(n);
+            for (; n < 16; ++n)
+                two[m][n] = 0x80;
+        }
+    }
+};
+
+constexpr WideRows WIDE_ROWS{};
+
 // value in every 16-bit lane, hidden (see SimdLevel.h).
 QNCL_AVX2 inline __m256i hiddenLanes(int value) {
     return hidden(_mm256_set1_epi16(static_cast<short>(value)));
 }
 
+// The same byte shuffle in both halves, hidden.
+QNCL_AVX2 inline __m256i hiddenShuffle(const int8_t (&bytes)[16]) {
+    const __m128i half = _mm_loadu_si128(reinterpret_cast<const __m128i*>(bytes));
+    return hidden(_mm256_broadcastsi128_si256(half));
+}
+
+// Where the class bits of a half's lanes go before its movemask, so that the mask holds the
+// offsets of the rows in WIDE_ROWS: the first byte of each 16-bit lane (ASCII or not) to bits
+// 5-12 for the two-byte rows; for the quads, a lane's byte of the first argument of packs and
+// then its byte of the second to bits 4-11, lanes 0-3 in quadEven and 4-7 in quadOdd.
+constexpr int8_t TWO_SPREAD[16] = {-1, -1, -1, -1, -1, 0, 2, 4, 6, 8, 10, 12, 14, -1, -1, -1};
+constexpr int8_t QUAD_EVEN_SPREAD[16] = {-1, -1, -1, -1, 0, 8, 1, 9, 2, 10, 3, 11, -1, -1, -1, -1};
+constexpr int8_t QUAD_ODD_SPREAD[16] = {-1, -1, -1, -1, 4, 12, 5, 13, 6, 14, 7, 15, -1, -1, -1, -1};
+
 // The constants of the wide steps, made once before the loop and hidden from the compiler,
 // which would otherwise build each anew in the loop from a general register (three
 // instructions) where a register or a load from the stack takes none or one.
 struct WideConstants {
-    __m256i nonAscii, notBelow, bits6, byte80, highTag, lowTag, surrogateMask, plane, fourLead,
-        twoLead, mid, threeLead, twoBytes, lowBits, quadOrder;
+    __m256i nonAscii, notBelow, bits6, byte80, highTag, surrogateMask, pairBase, threeLead, twoLead,
+        fourLead, mid, twoBytes, twoSpread, quadEven, quadOdd;
 
     QNCL_AVX2 WideConstants()
         : nonAscii(hiddenLanes(0xFF80)), notBelow(hiddenLanes(0xF800)), bits6(hiddenLanes(0x3F)),
-          byte80(hiddenLanes(0x80)), highTag(hiddenLanes(0xD800)), lowTag(hiddenLanes(0xDC00)),
-          surrogateMask(hiddenLanes(0xFC00)), plane(hiddenLanes(0x40)), fourLead(hiddenLanes(0x18)),
-          twoLead(hiddenLanes(0x4000)), mid(hiddenLanes(0x3F00)), threeLead(hiddenLanes(0x80E0)),
-          twoBytes(hiddenLanes(0x80C0)), lowBits(hiddenLanes(0xF)),
-          quadOrder(hidden(_mm256_setr_epi8(0, 1, 2, 3, 8, 9, 10, 11, 4, 5, 6, 7, 12, 13, 14, 15, 0,
-                                            1, 2, 3, 8, 9, 10, 11, 4, 5, 6, 7, 12, 13, 14, 15))) {}
+          byte80(hiddenLanes(0x80)), highTag(hiddenLanes(0xD800)),
+          surrogateMask(hiddenLanes(0xFC00)), pairBase(hiddenLanes(0x90)),
+          threeLead(hiddenLanes(0x80E0)), twoLead(hiddenLanes(0xC0E0)),
+          fourLead(hiddenLanes(0x0018)), mid(hiddenLanes(0x3F00)), twoBytes(hiddenLanes(0x80C0)),
+          twoSpread(hiddenShuffle(TWO_SPREAD)), quadEven(hiddenShuffle(QUAD_EVEN_SPREAD)),
+          quadOdd(hiddenShuffle(QUAD_ODD_SPREAD)) {}
 };
+
+QNCL_AVX2 inline __m256i rows(const uint8_t* low, const uint8_t* high) {
+    return _mm256_inserti128_si256(_mm256_castsi128_si256(load(low)), load(high), 1);
+}
+
+// Stores the bytes of sixteen 32-bit lanes whose bytes end at the third, b0 and b1 in first and
+// b2 in trail, at out[o]: lane k keeps one byte where one has it, two where only short_ has it,
+// else three. Says where the bytes end.
+QNCL_AVX2 inline long storeQuads(__m256i first, __m256i trail, __m256i one, __m256i short_,
+                                 const WideConstants& c, uint8_t* out, long o) {
+    const __m256i classes = _mm256_packs_epi16(one, short_);
+    const uint32_t even =
+        static_cast<uint32_t>(_mm256_movemask_epi8(_mm256_shuffle_epi8(classes, c.quadEven)));
+    const uint32_t odd =
+        static_cast<uint32_t>(_mm256_movemask_epi8(_mm256_shuffle_epi8(classes, c.quadOdd)));
+    const uint8_t* base = &WIDE_ROWS.quad[0][0];
+    const uint8_t* row0 = base + (even & 0xFFFFu);
+    const uint8_t* row1 = base + (odd & 0xFFFFu);
+    const uint8_t* row2 = base + (even >> 16);
+    const uint8_t* row3 = base + (odd >> 16);
+    // unpacklo holds units 0-3 and 8-11, unpackhi 4-7 and 12-15.
+    const __m256i lowQuads =
+        _mm256_shuffle_epi8(_mm256_unpacklo_epi16(first, trail), rows(row0, row2));
+    const __m256i highQuads =
+        _mm256_shuffle_epi8(_mm256_unpackhi_epi16(first, trail), rows(row1, row3));
+    store(out + o, _mm256_castsi256_si128(lowQuads));
+    o += row0[15];
+    store(out + o, _mm256_castsi256_si128(highQuads));
+    o += row1[15];
+    store(out + o, _mm256_extracti128_si256(lowQuads, 1));
+    o += row2[15];
+    store(out + o, _mm256_extracti128_si256(highQuads, 1));
+    return o + row3[15];
+}
 
 // Sixteen units a step, any mix, from in[i] into out[o] while at least 32 units of the stretch
 // are left (see the top of the file). Stops before a block with a surrogate that is not half of
-// a pair, or one whose first unit is a low surrogate after a high one an eight-unit step took,
-// for the eight-unit steps. Positions come and go by value: a reference would put them in
-// memory.
+// a pair, for the eight-unit steps. Positions come and go by value: a reference would put them
+// in memory.
 QNCL_AVX2 __attribute__((noinline)) Positions encodeWideRun(const char16_t* in, long i, long end,
                                                             uint8_t* out, long o) {
     const __m256i zero = _mm256_setzero_si256();
     const WideConstants c;
-    // 1 while the last step took a high surrogate as its last unit: the next one begins with
-    // its low one.
-    long carry = 0;
-    while (end - i >= 32) {
-        const __m256i units = _mm256_loadu_si256(reinterpret_cast<const __m256i*>(in + i));
-        const __m256i below = _mm256_cmpeq_epi16(_mm256_and_si256(units, c.notBelow), zero);
+    const char16_t* from = in + i;
+    const char16_t* const last = in + end - 32;
+    // 3 (the movemask bits of a lane) while the last step took a high surrogate as its last
+    // unit, else 0. Its low one begins the next block (checked), which so goes to the surrogate
+    // step, whatever else it holds.
+    uint32_t carry = 0;
+    while (from <= last) {
+        const __m256i units = _mm256_loadu_si256(reinterpret_cast<const __m256i*>(from));
         const __m256i ascii = _mm256_cmpeq_epi16(_mm256_and_si256(units, c.nonAscii), zero);
-        if (_mm256_movemask_epi8(below) == -1) {
+        if (_mm256_testz_si256(units, c.notBelow)) {
             // All below U+0800: one or two bytes a lane, as in encodeTwoByteLanes, eight lanes
             // to each half of the register. ASCII blocks are packed here, sixteen units at a
             // time to the end of their run: leaving for the ASCII loop and coming back would
             // cost more than the packing where runs are a few blocks long.
-            const uint32_t asciiBits =
-                static_cast<uint32_t>(_mm256_movemask_epi8(_mm256_packs_epi16(ascii, ascii)));
-            if (asciiBits == 0xFFFFFFFFu) {
+            const uint32_t asciiBits = static_cast<uint32_t>(
+                _mm256_movemask_epi8(_mm256_shuffle_epi8(ascii, c.twoSpread)));
+            if (asciiBits == 0x1FE01FE0u) {
                 __m256i block = units;
                 do {
                     store(out + o, _mm_packus_epi16(_mm256_castsi256_si128(block),
                                                     _mm256_extracti128_si256(block, 1)));
                     o += 16;
-                    i += 16;
-                    if (end - i < 32)
+                    from += 16;
+                    if (from > last)
                         break;
-                    block = _mm256_loadu_si256(reinterpret_cast<const __m256i*>(in + i));
+                    block = _mm256_loadu_si256(reinterpret_cast<const __m256i*>(from));
                 } while (_mm256_testz_si256(block, c.nonAscii));
                 continue;
             }
-            const unsigned index0 = ~asciiBits & 0xFFu;
-            const unsigned index1 = (~asciiBits >> 16) & 0xFFu;
+            const uint8_t* row0 = &WIDE_ROWS.two[0][0] + (asciiBits & 0xFFFFu);
+            const uint8_t* row1 = &WIDE_ROWS.two[0][0] + (asciiBits >> 16);
             const __m256i two = _mm256_or_si256(
                 _mm256_or_si256(_mm256_srli_epi16(units, 6),
                                 _mm256_slli_epi16(_mm256_and_si256(units, c.bits6), 8)),
                 c.twoBytes);
-            const __m256i bytes = _mm256_shuffle_epi8(
-                _mm256_blendv_epi8(two, units, ascii),
-                _mm256_inserti128_si256(_mm256_castsi128_si256(load(SHUFFLES.twoByte[index0])),
-                                        load(SHUFFLES.twoByte[index1]), 1));
+            const __m256i bytes =
+                _mm256_shuffle_epi8(_mm256_blendv_epi8(two, units, ascii), rows(row0, row1));
             store(out + o, _mm256_castsi256_si128(bytes));
-            o += SHUFFLES.twoByteLength[index0];
+            o += row0[16];
             store(out + o, _mm256_extracti128_si256(bytes, 1));
-            o += SHUFFLES.twoByteLength[index1];
-            i += 16;
+            o += row1[16];
+            from += 16;
             continue;
         }
-        const __m256i surrogate =
-            _mm256_cmpeq_epi16(_mm256_and_si256(units, c.notBelow), c.highTag);
-        const __m256i two = _mm256_andnot_si256(ascii, below);
+        const __m256i upper = _mm256_and_si256(units, c.notBelow);
+        const __m256i below = _mm256_cmpeq_epi16(upper, zero);
+        const __m256i surrogate = _mm256_cmpeq_epi16(upper, c.highTag);
         // Each lane's bytes end at its third: b0 and b1 in first, b2 in trail (see the top of
-        // the file). Short lanes keep one or two bytes.
-        __m256i lead = units;
-        __m256i fix = _mm256_and_si256(two, c.twoLead);
-        __m256i short_ = below;
-        __m256i pairTrail = zero;
-        if (_mm256_testz_si256(surrogate, surrogate)) {
-            carry = 0;
-        } else {
-            const __m256i high =
-                _mm256_cmpeq_epi16(_mm256_and_si256(units, c.surrogateMask), c.highTag);
-            const __m256i low = _mm256_andnot_si256(high, surrogate);
-            const __m256i next = _mm256_loadu_si256(reinterpret_cast<const __m256i*>(in + i + 1));
-            const __m256i afterLow =
-                _mm256_cmpeq_epi16(_mm256_and_si256(next, c.surrogateMask), c.lowTag);
-            // Every high surrogate right before a low one, every low one right after a high
-            // one (the first after the last step's).
-            const uint32_t highBits = static_cast<uint32_t>(_mm256_movemask_epi8(high));
-            const uint32_t lowBits = static_cast<uint32_t>(_mm256_movemask_epi8(low));
-            if (highBits != static_cast<uint32_t>(_mm256_movemask_epi8(afterLow)) ||
-                lowBits != ((highBits << 2) | (carry ? 3u : 0u)))
-                break;
-            carry = highBits >> 31;
-            // A high surrogate h gets the first three of its pair's four bytes: 0xF0 | cp >> 18
-            // and 0x80 | (cp >> 12 & 0x3F) come from h + 0x40, which holds cp >> 10, moved up
-            // four bits and put through the three-byte lead (0xE8-0xEC, turned to 0xF0-0xF4
-            // below); 0x80 | (h & 3) << 4 | (l >> 6 & 0xF) is the trail byte of that, with the
-            // bits of its low one l added. The low one keeps only 0x80 | (l & 0x3F), its trail
-            // byte as a three-byte unit's.
-            lead = _mm256_blendv_epi8(units, _mm256_slli_epi16(_mm256_add_epi16(units, c.plane), 4),
-                                      high);
-            fix = _mm256_or_si256(fix, _mm256_and_si256(high, c.fourLead));
-            pairTrail =
-                _mm256_and_si256(_mm256_and_si256(_mm256_srli_epi16(next, 6), c.lowBits), high);
-            short_ = _mm256_or_si256(below, low);
+        // the file). b0 = 0xE0 | lead >> 12 and b1 = 0x80 | (lead >> 6 & 0x3F), as for a
+        // three-byte unit, with a two-byte unit's b1 its lead 0xC0 | unit >> 6 (an ASCII
+        // unit's are not used). Its b2 0x80 | (unit & 0x3F) is above an ASCII unit and not
+        // above any other: the smaller of the two is also an ASCII unit's one byte.
+        const __m256i leadBits = _mm256_blendv_epi8(c.threeLead, c.twoLead, below);
+        const uint32_t surrogateBits = static_cast<uint32_t>(_mm256_movemask_epi8(surrogate));
+        if (surrogateBits == 0) {
+            const __m256i trail = _mm256_min_epu16(
+                units, _mm256_or_si256(_mm256_and_si256(units, c.bits6), c.byte80));
+            const __m256i first = _mm256_xor_si256(
+                _mm256_or_si256(_mm256_srli_epi16(units, 12),
+                                _mm256_and_si256(_mm256_slli_epi16(units, 2), c.mid)),
+                leadBits);
+            o = storeQuads(first, trail, ascii, below, c, out, o);
+            from += 16;
+            continue;
         }
-        const __m256i trail = _mm256_blendv_epi8(
-            _mm256_or_si256(_mm256_or_si256(_mm256_and_si256(lead, c.bits6), c.byte80), pairTrail),
-            units, ascii);
-        // b0 = 0xE0 | lead >> 12 and b1 = 0x80 | (lead >> 6 & 0x3F), as for a three-byte unit;
-        // a two-byte unit's b1 becomes its lead 0xC0 | unit >> 6.
-        const __m256i first = _mm256_xor_si256(
-            _mm256_or_si256(_mm256_or_si256(_mm256_srli_epi16(lead, 12),
-                                            _mm256_and_si256(_mm256_slli_epi16(lead, 2), c.mid)),
-                            c.threeLead),
-            fix);
-        // The two length bits of each lane, in the order of the quads: one byte each.
-        const uint32_t index = static_cast<uint32_t>(_mm256_movemask_epi8(
-            _mm256_shuffle_epi8(_mm256_packs_epi16(two, short_), c.quadOrder)));
-        const size_t index0 = index & 0xFFu;
-        const size_t index1 = (index >> 8) & 0xFFu;
-        const size_t index2 = (index >> 16) & 0xFFu;
-        const size_t index3 = index >> 24;
-        // unpacklo holds units 0-3 and 8-11, unpackhi 4-7 and 12-15.
-        const __m256i lowQuads = _mm256_shuffle_epi8(
-            _mm256_unpacklo_epi16(first, trail),
-            _mm256_inserti128_si256(_mm256_castsi128_si256(load(SUFFIXES.shuffle[index0])),
-                                    load(SUFFIXES.shuffle[index2]), 1));
-        const __m256i highQuads = _mm256_shuffle_epi8(
-            _mm256_unpackhi_epi16(first, trail),
-            _mm256_inserti128_si256(_mm256_castsi128_si256(load(SUFFIXES.shuffle[index1])),
-                                    load(SUFFIXES.shuffle[index3]), 1));
-        store(out + o, _mm256_castsi256_si128(lowQuads));
-        o += SUFFIXES.length[index0];
-        store(out + o, _mm256_castsi256_si128(highQuads));
-        o += SUFFIXES.length[index1];
-        store(out + o, _mm256_extracti128_si256(lowQuads, 1));
-        o += SUFFIXES.length[index2];
-        store(out + o, _mm256_extracti128_si256(highQuads, 1));
-        o += SUFFIXES.length[index3];
-        i += 16;
+        const __m256i high =
+            _mm256_cmpeq_epi16(_mm256_and_si256(units, c.surrogateMask), c.highTag);
+        const __m256i low = _mm256_andnot_si256(high, surrogate);
+        // Every low surrogate right after a high one (the first after the last step's), and
+        // every high one right before a low one, the last one's being the unit after the block:
+        // one test, as a branch on that unit alone would be as random as the text. Taking only
+        // fifteen units when the last is high would be no branch either, but the next load
+        // would wait for this block's mask.
+        const uint32_t highBits = static_cast<uint32_t>(_mm256_movemask_epi8(high));
+        const uint64_t nextLow = (from[16] & 0xFC00u) == 0xDC00u ? 3 : 0;
+        if (((surrogateBits ^ highBits) | nextLow << 32) !=
+            ((static_cast<uint64_t>(highBits) << 2) | carry))
+            break;
+        carry = highBits >> 30;
+        // A high surrogate h gets the first three of its pair's four bytes: 0xF0 | cp >> 18
+        // and 0x80 | (cp >> 12 & 0x3F) come from h + 0x40, which holds cp >> 10, moved up
+        // four bits and put through the three-byte lead (0xE8-0xEC, turned to 0xF0-0xF4 by
+        // two more lead bits); 0x80 | (h & 3) << 4 | (l >> 6 & 0xF) is the trail byte of that,
+        // with the bits of its low one l in the four bits the move left free: l >> 6 is
+        // 0x370-0x37F, so (h << 4) + (l >> 6) + 0x90 is the lot. The low one keeps only
+        // 0x80 | (l & 0x3F), its trail byte as a three-byte unit's.
+        const __m256i next = _mm256_loadu_si256(reinterpret_cast<const __m256i*>(from + 1));
+        const __m256i pair = _mm256_add_epi16(
+            _mm256_add_epi16(_mm256_slli_epi16(units, 4), _mm256_srli_epi16(next, 6)), c.pairBase);
+        const __m256i lead = _mm256_blendv_epi8(units, pair, high);
+        const __m256i trail =
+            _mm256_min_epu16(units, _mm256_or_si256(_mm256_and_si256(lead, c.bits6), c.byte80));
+        const __m256i first =
+            _mm256_xor_si256(_mm256_or_si256(_mm256_srli_epi16(lead, 12),
+                                             _mm256_and_si256(_mm256_slli_epi16(lead, 2), c.mid)),
+                             _mm256_or_si256(leadBits, _mm256_and_si256(high, c.fourLead)));
+        // A low surrogate keeps one byte as an ASCII unit does.
+        o = storeQuads(first, trail, _mm256_or_si256(ascii, low), below, c, out, o);
+        from += 16;
     }
     // A pair split between the last step and the next goes again whole after the run.
-    return {i - carry, o - 3 * carry};
+    return {from - in - static_cast<long>(carry >> 1), o - static_cast<long>(carry)};
 }
 #endif
 
