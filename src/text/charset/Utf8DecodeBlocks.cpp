@@ -652,14 +652,14 @@ template <int Longest> constexpr DenseTable<Longest> DENSE{};
 
 // Bit deposit, written out: the 256-bit steps are not compiled for BMI2, and the dense steps run
 // only where the processor has it (fastBitDeposit).
-inline uint64_t depositBits(uint64_t source, uint64_t mask) {
+QNCL_INLINE uint64_t depositBits(uint64_t source, uint64_t mask) {
     uint64_t result;
     __asm__("pdepq %2, %1, %0" : "=r"(result) : "r"(source), "r"(mask));
     return result;
 }
 
 // Where start k (from 0) of starts is; there must be one.
-inline long startAt(uint64_t starts, long k) {
+QNCL_INLINE long startAt(uint64_t starts, long k) {
     return __builtin_ctzll(depositBits(uint64_t{1} << k, starts));
 }
 
