@@ -663,7 +663,7 @@ QNCL_INLINE long startAt(uint64_t starts, long k) {
     return __builtin_ctzll(depositBits(uint64_t{1} << k, starts));
 }
 
-// The dense steps' pshufb masks for two windows, the second in the high half.
+// The pshufb mask of the window that starts at byte at.
 template <int Longest>
 QNCL_AVX2_STEPS QNCL_INLINE __m128i denseShuffle(const DenseTable<Longest>& table, uint64_t starts,
                                                  long at) {
