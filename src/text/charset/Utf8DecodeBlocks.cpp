@@ -729,18 +729,50 @@ QNCL_AVX2_STEPS QNCL_INLINE char16_t* writeDense(const uint8_t* from, uint64_t s
     return to + DenseTable<Longest>::SEQUENCES;
 }
 
-// The dense steps for a chunk whose masks say it is clean: true when they took it (writing
-// from to and moving to on, and saying in plan how far they went).
-template <int Longest>
-QNCL_AVX2_STEPS QNCL_INLINE bool takeDense(const uint8_t* from, const ChunkMasks& masks,
-                                           char16_t*& to, ChunkPlan& plan, const WideConstants& c) {
-    // The start after the dense steps' sequences, if the chunk has one.
+// How far the dense steps take a chunk with these masks: to its start after their sequences, or
+// nowhere (0) when the chunk is not for them.
+template <int Longest> QNCL_INLINE long denseTaken(const ChunkMasks& masks) {
     const uint64_t last = depositBits(uint64_t{1} << DenseTable<Longest>::SEQUENCES, masks.starts);
     if (masks.usable < CHUNK || last < uint64_t{1} << DenseTable<Longest>::MIN_BYTES)
-        return false;
-    plan.taken = __builtin_ctzll(last);
-    to = writeDense<Longest>(from, masks.starts, to, c);
-    return true;
+        return 0;
+    return __builtin_ctzll(last);
+}
+
+// A run of chunks for the dense steps, from one whose masks (starts) say they take it (taken
+// bytes). Each chunk's windows are written while the next chunk is checked: they then need
+// nothing that is not ready, where written at once they would wait for their own chunk's masks
+// (bit deposit, then two dependent table loads) and hold up the chunks behind them. The run ends
+// before a chunk that is not for the dense steps of its width, or near the buffers' ends.
+template <int Longest>
+QNCL_AVX2_STEPS QNCL_INLINE void denseRun(const uint8_t* in, long& i, long inEnd, char16_t* out,
+                                          long& o, long outEnd, uint64_t starts, long taken,
+                                          const WideConstants& c) {
+    constexpr long units = DenseTable<Longest>::SEQUENCES;
+    // Bytes that start longer sequences than the run's: from 0xE0 (0xF0) up.
+    const __m256i longer = Longest == 2 ? c.past3 : c.past4;
+    const uint8_t* pendingFrom = in + i;
+    uint64_t pendingStarts = starts;
+    char16_t* pendingTo = out + o;
+    i += taken;
+    o += units;
+    while (inEnd - i >= ROOM && outEnd - o >= ROOM) {
+        const uint8_t* from = in + i;
+        const __m256i v[2] = {_mm256_loadu_si256(reinterpret_cast<const __m256i*>(from)),
+                              _mm256_loadu_si256(reinterpret_cast<const __m256i*>(from + 32))};
+        if (_mm256_movemask_epi8(_mm256_subs_epu8(_mm256_max_epu8(v[0], v[1]), longer)) != 0)
+            break;
+        const ChunkMasks masks = leadMasksWide<Longest == 3>(v, c);
+        const long next = denseTaken<Longest>(masks);
+        if (next == 0)
+            break;
+        writeDense<Longest>(pendingFrom, pendingStarts, pendingTo, c);
+        pendingFrom = from;
+        pendingStarts = masks.starts;
+        pendingTo = out + o;
+        i += next;
+        o += units;
+    }
+    writeDense<Longest>(pendingFrom, pendingStarts, pendingTo, c);
 }
 
 // Dense: with the dense steps (see DenseTable).
@@ -768,15 +800,23 @@ QNCL_AVX2_STEPS void decodeBlocksWide(const uint8_t* in, long& inPos, long inEnd
             _mm256_castsi256_si128(constants.past3), _mm256_castsi256_si128(constants.past4)))) {
         case TWO:
             masks = leadMasksWide<false>(v, constants);
-            if (Dense && takeDense<2>(from, masks, to, plan, constants))
-                break;
+            if constexpr (Dense) {
+                if (const long taken = denseTaken<2>(masks)) {
+                    denseRun<2>(in, i, inEnd, out, o, outEnd, masks.starts, taken, constants);
+                    continue;
+                }
+            }
             plan = planChunk(from, masks, 0);
             to = writeChunkWide<TWO>(from, plan.keep, to, constants);
             break;
         case THREE:
             masks = leadMasksWide<true>(v, constants);
-            if (Dense && takeDense<3>(from, masks, to, plan, constants))
-                break;
+            if constexpr (Dense) {
+                if (const long taken = denseTaken<3>(masks)) {
+                    denseRun<3>(in, i, inEnd, out, o, outEnd, masks.starts, taken, constants);
+                    continue;
+                }
+            }
             plan = planChunk(from, masks, 0);
             to = writeChunkWide<THREE>(from, plan.keep, to, constants);
             break;
