@@ -690,8 +690,8 @@ QNCL_AVX2_STEPS QNCL_INLINE __m256i gatherWindows(const DenseTable<Longest>& tab
 // one multiply-add make the unit. A 32-bit lane (three-byte text) has a three-byte lead's four
 // bits third, weighed 4096 by a second multiply-add; its units are packed from 32 to 16 bits.
 template <int Longest>
-QNCL_AVX2_STEPS QNCL_INLINE char16_t* writeDense(const uint8_t* from, uint64_t starts, char16_t* to,
-                                                 const WideConstants& c) {
+QNCL_AVX2_STEPS QNCL_INLINE void writeDense(const uint8_t* from, uint64_t starts, char16_t* to,
+                                            const WideConstants& c) {
     constexpr const DenseTable<Longest>& table = DENSE<Longest>;
     constexpr long n = DenseTable<Longest>::PER_WINDOW;
     const long at[5] = {0, startAt(starts, n), startAt(starts, 2 * n), startAt(starts, 3 * n),
@@ -726,7 +726,6 @@ QNCL_AVX2_STEPS QNCL_INLINE char16_t* writeDense(const uint8_t* from, uint64_t s
         const __m128i values = _mm_madd_epi16(units, _mm256_castsi256_si128(c.denseScale));
         _mm_storel_epi64(reinterpret_cast<__m128i*>(to + 4 * n), _mm_packus_epi32(values, values));
     }
-    return to + DenseTable<Longest>::SEQUENCES;
 }
 
 // How far the dense steps take a chunk with these masks: to its start after their sequences, or
@@ -750,9 +749,9 @@ QNCL_AVX2_STEPS QNCL_INLINE void denseRun(const uint8_t* in, long& i, long inEnd
     constexpr long units = DenseTable<Longest>::SEQUENCES;
     // Bytes that start longer sequences than the run's: from 0xE0 (0xF0) up.
     const __m256i longer = Longest == 2 ? c.past3 : c.past4;
+    // The chunk written next; its units go just before out + o.
     const uint8_t* pendingFrom = in + i;
     uint64_t pendingStarts = starts;
-    char16_t* pendingTo = out + o;
     i += taken;
     o += units;
     while (inEnd - i >= ROOM && outEnd - o >= ROOM) {
@@ -765,14 +764,33 @@ QNCL_AVX2_STEPS QNCL_INLINE void denseRun(const uint8_t* in, long& i, long inEnd
         const long next = denseTaken<Longest>(masks);
         if (next == 0)
             break;
-        writeDense<Longest>(pendingFrom, pendingStarts, pendingTo, c);
+        writeDense<Longest>(pendingFrom, pendingStarts, out + o - units, c);
         pendingFrom = from;
         pendingStarts = masks.starts;
-        pendingTo = out + o;
         i += next;
         o += units;
     }
-    writeDense<Longest>(pendingFrom, pendingStarts, pendingTo, c);
+    writeDense<Longest>(pendingFrom, pendingStarts, out + o - units, c);
+}
+
+// A chunk of sequences of up to W bytes (two or three): a run of the dense steps from it where
+// they take it (Dense), else its candidate steps. False when the run took it, and the chunks
+// after it as far as it went.
+template <bool Dense, Widest W>
+QNCL_AVX2_STEPS QNCL_INLINE bool
+writeLeadChunk(const uint8_t* in, const uint8_t* from, long& i, long inEnd, char16_t* out, long& o,
+               long outEnd, const __m256i (&v)[2], ChunkMasks& masks, ChunkPlan& plan,
+               char16_t*& to, const WideConstants& c) {
+    masks = leadMasksWide<W == THREE>(v, c);
+    if constexpr (Dense) {
+        if (const long taken = denseTaken<W>(masks)) {
+            denseRun<W>(in, i, inEnd, out, o, outEnd, masks.starts, taken, c);
+            return false;
+        }
+    }
+    plan = planChunk(from, masks, 0);
+    to = writeChunkWide<W>(from, plan.keep, to, c);
+    return true;
 }
 
 // Dense: with the dense steps (see DenseTable).
@@ -799,26 +817,14 @@ QNCL_AVX2_STEPS void decodeBlocksWide(const uint8_t* in, long& inPos, long inEnd
             _mm_max_epu8(_mm256_castsi256_si128(top), _mm256_extracti128_si256(top, 1)),
             _mm256_castsi256_si128(constants.past3), _mm256_castsi256_si128(constants.past4)))) {
         case TWO:
-            masks = leadMasksWide<false>(v, constants);
-            if constexpr (Dense) {
-                if (const long taken = denseTaken<2>(masks)) {
-                    denseRun<2>(in, i, inEnd, out, o, outEnd, masks.starts, taken, constants);
-                    continue;
-                }
-            }
-            plan = planChunk(from, masks, 0);
-            to = writeChunkWide<TWO>(from, plan.keep, to, constants);
+            if (!writeLeadChunk<Dense, TWO>(in, from, i, inEnd, out, o, outEnd, v, masks, plan, to,
+                                            constants))
+                continue;
             break;
         case THREE:
-            masks = leadMasksWide<true>(v, constants);
-            if constexpr (Dense) {
-                if (const long taken = denseTaken<3>(masks)) {
-                    denseRun<3>(in, i, inEnd, out, o, outEnd, masks.starts, taken, constants);
-                    continue;
-                }
-            }
-            plan = planChunk(from, masks, 0);
-            to = writeChunkWide<THREE>(from, plan.keep, to, constants);
+            if (!writeLeadChunk<Dense, THREE>(in, from, i, inEnd, out, o, outEnd, v, masks, plan,
+                                              to, constants))
+                continue;
             break;
         default: { // FOUR
             masks = fullMasksWide(v, constants);

@@ -345,8 +345,8 @@ inline bool decodeUtf8Stretch(const uint8_t* in, long& i, long limit, long inEnd
 // needs the simple loop, or within 96 bytes of the input's end or 96 units of the output's end,
 // and may use the output below outEnd as scratch past the units it writes. level is what
 // utf8BlockLevel() allows or less: 1 takes 128-bit steps, 2 256-bit ones where they are built,
-// 3 those and dense steps for text of three-byte sequences. 1 and 2 stop at the same place with
-// the same units; 3 may stop elsewhere on the same way through the text.
+// 3 those and dense steps for text of two- and three-byte sequences. 1 and 2 stop at the same place
+// with the same units; 3 may stop elsewhere on the same way through the text.
 void decodeUtf8Blocks(const uint8_t* in, long& i, long inEnd, char16_t* out, long& o, long outEnd,
                       int level);
 
